@@ -22,21 +22,34 @@ bool ParseId(const QString& text, quint32& value)
     return ok;
 }
 
-int RunString(const QStringList& args)
+QString Hex8(quint32 value)
+{
+    return QString::number(value, 16).toUpper().rightJustified(8, QLatin1Char('0'));
+}
+
+// The one numeric argument of a command; returns 0 on success, else the usage exit code.
+int ReadOneNumber(const char* command, const QStringList& args, quint32& value)
 {
     if (args.size() != 1)
-        return UsageError("string", QStringLiteral("expected one string id"));
+        return UsageError(command, QStringLiteral("expected one number"));
+    if (!ParseId(args[0], value))
+        return UsageError(command, QStringLiteral("'%1' is not a number").arg(args[0]));
+    return 0;
+}
+
+int RunString(const QStringList& args)
+{
     quint32 id = 0;
-    if (!ParseId(args[0], id))
-        return UsageError("string", QStringLiteral("'%1' is not a number").arg(args[0]));
+    if (const int rc = ReadOneNumber("string", args, id))
+        return rc;
     const auto sid = CoreData::StringId(qint32(id));
     const TString key = CoreData::LookupStringKey(sid);
     if (key.isEmpty()) {
         PrintLine(QStringLiteral("0x%1: no such string (the look-up gives the empty text)")
-                      .arg(QString::number(id, 16).toUpper().rightJustified(8, QLatin1Char('0'))));
+                      .arg(Hex8(id)));
         return 1;
     }
-    PrintLine(QStringLiteral("id:      0x%1 (%2)").arg(QString::number(id, 16).toUpper().rightJustified(8, QLatin1Char('0'))).arg(qint32(id)));
+    PrintLine(QStringLiteral("id:      0x%1 (%2)").arg(Hex8(id)).arg(qint32(id)));
     PrintLine(QStringLiteral("key:     %1").arg(key.toQString()));
     PrintLine(QStringLiteral("english: \"%1\"").arg(CoreData::LookupTStr(sid).toQString()));
     return 0;
@@ -44,18 +57,16 @@ int RunString(const QStringList& args)
 
 int RunError(const QStringList& args)
 {
-    if (args.size() != 1)
-        return UsageError("error", QStringLiteral("expected one error code"));
     quint32 code = 0;
-    if (!ParseId(args[0], code))
-        return UsageError("error", QStringLiteral("'%1' is not a number").arg(args[0]));
+    if (const int rc = ReadOneNumber("error", args, code))
+        return rc;
     const MurErrorsError::Entry* e = MurErrorsError::FindByCode(code);
     if (e == nullptr) {
         PrintLine(QStringLiteral("0x%1: no failure site has this code")
-                      .arg(QString::number(code, 16).toUpper().rightJustified(8, QLatin1Char('0'))));
+                      .arg(Hex8(code)));
         return 1;
     }
-    PrintLine(QStringLiteral("code: 0x%1").arg(QString::number(e->code, 16).toUpper().rightJustified(8, QLatin1Char('0'))));
+    PrintLine(QStringLiteral("code: 0x%1").arg(Hex8(e->code)));
     PrintLine(QStringLiteral("name: %1").arg(QString::fromLatin1(e->name)));
     return 0;
 }
