@@ -516,6 +516,11 @@ const SupportedLanguageTable& LanguageUtilsInternal::GetSupportedLanguageTable()
     return ProcessTables().GetSupportedTable();
 }
 
+const std::unordered_map<TString, TString>& LanguageUtilsInternal::GetSpecialLocaleTable()
+{
+    return ProcessTables().GetSpecialTable();
+}
+
 LanguageMap& LanguageUtilsInternal::GetLanguageMap()
 {
     return LiveLanguageMap();
