@@ -8,7 +8,7 @@
 #include <unicode/uloc.h>
 
 #include <algorithm>
-#include <climits>
+#include <cstdint>
 #include <cstring>
 
 using Implementation::LanguageTableSet;

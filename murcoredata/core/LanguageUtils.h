@@ -9,7 +9,7 @@
 //   market       a commercial region: "EU", "US", "APAC", "LATAM", "USCA", "Japan", "China"
 //   full string  ISO string "-" market: "en_US-EU"     (what the supported table yields)
 //
-// A locale id (`lcid`, Lcid.h) is the third way of naming a locale. A "-" or "_" at index 0
+// A locale id (`lcid`, Lcid.h) is the third way of naming a locale. A "-" at index 0
 // separates nothing: "-US" has no market, and its ISO string is "-US".
 //
 // Nothing here throws on bad text: every look-up falls down a chain of built-in tables and
