@@ -1,6 +1,6 @@
 #pragma once
 
-// The GEOS context of the calling thread. GEOS's reentrant API wants one context a thread;
+// Internal to murgeo: the GEOS context of the calling thread. GEOS's reentrant API wants one context a thread;
 // shapes themselves are not tied to a context, so a shape made on one thread may be read
 // and freed on another.
 
