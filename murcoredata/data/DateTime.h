@@ -179,8 +179,9 @@ public:
     /// February 30, month 13, negative time fields and years below 400 throw
     /// (IDS_DATETIME_ERROR, after a log line), leaving the value untouched. Years above 9999
     /// are not refused here; IsValid() refuses them.
-    /// `fraction`: seconds, rounded half up to ticks. A negative fraction negates the whole
-    /// time of day: (2020, 1, 1, 6, 0, 0, -0.5) is 17:59:59.95 on 2019-12-31. A fraction of
+    /// `fraction`: seconds, as trunc(fraction x 10000 + 0.5) ticks. A negative fraction
+    /// negates the whole time of day: (2020, 1, 1, 6, 0, 0, -0.5) is -4999 ticks and 6 hours
+    /// before midnight, 2019-12-31T17:59:59.5001. A fraction of
     /// 2^31 ticks or more in either direction (for example from hour 83 onwards), NaN or an
     /// infinity throws like a bad field.
     /// Always returns true.
@@ -233,7 +234,8 @@ public:
     constexpr int GetSecond() const noexcept { return int(SignedTicksOfDay() % 600000 / 10000); }
     /// The sub-second part in seconds: 0.0 to 0.9999.
     constexpr double GetFraction() const noexcept { return double(m_value % 10000) / 10000.0; }
-    /// trunc(GetFraction() x 1000), with the double's rounding: a stored .0290 reads as 28.
+    /// trunc(GetFraction() x 1000) in doubles, so it inherits their rounding (on x86-64 every
+    /// stored fraction happens to give its exact millisecond).
     int GetMilliseconds() const noexcept { return int(GetFraction() * 1000.0); }
     /// Midnight of the same day.
     constexpr DateTime GetDate() const noexcept { return FromValue(m_value - m_value % s_scaling); }
