@@ -199,7 +199,7 @@ static_assert(DateTime().GetRepresentation() == 2086575552000000ULL, "");
 static_assert(!DateTime().HasDate() && !DateTime().HasTime(), "");
 static_assert(DateTime::FromValue(5) < DateTime::FromValue(6), "");
 
-TEST(DateTime, ConstantsHaveTheirDocumentedValues)
+TEST(DateTime, ConstantsHaveTheirFixedValues)
 {
     EXPECT_EQ(DateTime::s_accuracy, 1e-05);
     EXPECT_EQ(DateTime::s_scaling, 864000000ULL);
