@@ -22,6 +22,8 @@
 #include "murcoredata/core/LanguageUtils.h"
 #include "murcoredata/core/Lcid.h"
 #include "murcoredata/core/StringTable.h"
+#include "murcoredata/data/DateTime.h"
+#include "murcoredata/data/Time.h"
 #include "murcoredata/string/ICUUtils.h"
 #include "murcoredata/utility/CacheDimensions.h"
 #include "murcoredata/utility/MruCache.h"
