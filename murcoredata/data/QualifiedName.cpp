@@ -76,7 +76,7 @@ TString RenderBracketForm(const QualifiedName::Components& components)
     long long escapes = 0;
     for (const TString& c : components) {
         length += c.length();
-        escapes += c.count(u']');
+        escapes += std::count(c.begin(), c.end(), u']');
     }
     length += escapes;
     if (length > INT_MAX)
@@ -134,16 +134,12 @@ const TString& QualifiedName::QNData::GetFullValue() const
 
 const TString& QualifiedName::QNData::BuildFullValue() const
 {
-    std::shared_ptr<TString> published = std::atomic_load(&m_fullValue);
-    if (!published) {
-        auto built = std::make_shared<TString>(RenderBracketForm(m_components));
-        std::shared_ptr<TString> expected;
-        // The loser of a race drops its copy and takes the winner's.
-        if (std::atomic_compare_exchange_strong(&m_fullValue, &expected, built))
-            published = std::move(built);
-        else
-            published = std::move(expected);
-    }
+    // Not seen published on the read path: build a copy and offer it. The exchange expects
+    // null; the loser of a race drops its copy and takes the winner's.
+    std::shared_ptr<TString> published = std::make_shared<TString>(RenderBracketForm(m_components));
+    std::shared_ptr<TString> expected;
+    if (!std::atomic_compare_exchange_strong(&m_fullValue, &expected, published))
+        published = std::move(expected);
     m_fullValueText.store(published.get(), std::memory_order_release);
     return *published;
 }
@@ -180,6 +176,15 @@ enum class ParseFailure : uint8_t
     DanglingDot,      // the text ends right after a "."
 };
 
+// The first "]" of p[from, n), or -1. Names are short, so a plain loop beats a call.
+inline int IndexOfClose(const char16_t* p, int n, int from)
+{
+    for (int k = from; k < n; ++k)
+        if (p[k] == u']')
+            return k;
+    return -1;
+}
+
 // Splits the trimmed `input` into its components, unescaped, appending them to `tokens`
 // (skipped when `tokens` is null). Walks the text once, forward only, and never reads past
 // its end; any sequence of code units is accepted as component text.
@@ -188,38 +193,49 @@ ParseFailure ScanBracketForm(const TString& input, QualifiedName::Components* to
     const int n = input.length();
     if (n == 0)
         return ParseFailure::None;
-    if (input[0] != u'[')
+    const char16_t* const p = input.constData();
+    if (p[0] != u'[')
         return ParseFailure::NotBracketForm;
 
     int i = 0;
     for (;;) {
-        if (input[i] != u'[')
+        if (p[i] != u'[')
             return ParseFailure::ExpectLBracket;
         const int start = i + 1;
         if (start >= n)
             return ParseFailure::DanglingLBracket;
-        int j = input.indexOf(u']', start);
+        int j = IndexOfClose(p, n, start);
         if (j < 0)
             return ParseFailure::BracketMismatch;
         int next = j + 1;
-        bool escaped = false;
+        int escapes = 0;
         // "]]" inside a component is one "]": skip the pair and look for the real close.
-        while (next < n && input[next] == u']') {
-            escaped = true;
-            j = input.indexOf(u']', j + 2);
+        while (next < n && p[next] == u']') {
+            ++escapes;
+            j = IndexOfClose(p, n, j + 2);
             if (j < 0)
                 return ParseFailure::BracketMismatch;
             next = j + 1;
         }
         if (tokens != nullptr) {
-            TString token = input.mid(start, j - start);
-            if (escaped)
-                token.replace(TString(u"]]"), TString(u"]"), TString::CaseSensitive);
-            tokens->push_back(std::move(token));
+            if (escapes == 0) {
+                tokens->push_back(input.mid(start, j - start));
+            } else {
+                // Every "]" in p[start, j) is the first of a pair: keep it, skip its twin.
+                TString token;
+                token.resize(j - start - escapes);
+                char16_t* out = token.data();
+                for (int k = start; k < j; ++k) {
+                    *out++ = p[k];
+                    if (p[k] == u']')
+                        ++k;
+                }
+                tokens->push_back(std::move(token));
+            }
         }
         if (next == n)
             return ParseFailure::None;
-        if (input[next] != u'.')
+        if (p[next] != u'.')
             return ParseFailure::ExpectDot;
         if (j + 2 == n)
             return ParseFailure::DanglingDot;
