@@ -14,6 +14,7 @@ generate() {
   for d in foundation core data parser string utility formalism; do
     for h in murcoredata/$d/*.h; do
       [ -e "$h" ] || continue
+      case "$h" in *_test.h) continue ;; esac
       head -5 "$h" | grep -qi 'internal' && continue
       grep -q '^#pragma once' "$h" || continue
       echo "#include \"$h\""

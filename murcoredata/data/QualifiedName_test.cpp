@@ -1,5 +1,6 @@
 #include "murcoredata/data/MakeQualifiedName.h"
 #include "murcoredata/data/QualifiedName.h"
+#include "murcoredata/foundation/AllocationCounter_test.h"
 
 #include "murcoredata/core/StringTable.h"
 #include "murcoredata/foundation/MurErrorsError.h"
@@ -21,46 +22,7 @@
 #include <unordered_set>
 #include <vector>
 
-//===------------------------------------------------------------------------------------===//
-// A counting operator new for the allocation tests. It counts only on a thread that has
-// armed it, so the rest of the test binary runs as before. Qt's string buffers come from
-// malloc and are not counted: what is counted is the name's own structure.
-//===------------------------------------------------------------------------------------===//
-
-namespace {
-thread_local bool t_countAllocations = false;
-thread_local size_t t_allocations = 0;
-
-// Counts the operator-new allocations of `f` on this thread.
-template <typename F>
-size_t CountAllocations(F&& f)
-{
-    t_allocations = 0;
-    t_countAllocations = true;
-    f();
-    t_countAllocations = false;
-    return t_allocations;
-}
-} // namespace
-
-void* operator new(std::size_t size)
-{
-    if (t_countAllocations)
-        ++t_allocations;
-    if (void* p = std::malloc(size == 0 ? 1 : size))
-        return p;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* p) noexcept
-{
-    std::free(p);
-}
-
-void operator delete(void* p, std::size_t) noexcept
-{
-    std::free(p);
-}
+using TestSupport::CountAllocations;
 
 namespace {
 
