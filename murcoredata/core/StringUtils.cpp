@@ -6,6 +6,7 @@
 
 #include <boost/container/small_vector.hpp>
 
+#include <array>
 #include <cstring>
 
 // ---------------------------------------------------------------------------------------
@@ -97,18 +98,51 @@ TString JoinString(std::set<TString>::const_iterator first, std::set<TString>::c
 // ---------------------------------------------------------------------------------------
 // Escape forms
 
+namespace {
+
+// The set of units to escape: a bitmap for the ASCII ones, a list for the others.
+class UnitSet
+{
+public:
+    explicit UnitSet(const TString& units)
+    {
+        for (char16_t c : units) {
+            if (c < 128)
+                m_ascii[c >> 6] |= uint64_t(1) << (c & 63);
+            else
+                m_others.append(c);
+        }
+    }
+
+    bool Contains(char16_t c) const
+    {
+        if (c < 128)
+            return (m_ascii[c >> 6] >> (c & 63)) & 1u;
+        return !m_others.isEmpty() && m_others.contains(c);
+    }
+
+private:
+    uint64_t m_ascii[2] = {0, 0};
+    TString m_others;
+};
+
+} // namespace
+
 TString Escape(const TString& text, const TString& chars, char16_t escape)
 {
-    const int first = text.findOneOf(chars, 0);
-    if (first < 0)
-        return text;
-    TString result;
-    result.reserve(text.length() + 10);
-    result.append(text.constData(), first);
+    const UnitSet set(chars);
     const char16_t* p = text.constData();
     const int n = text.length();
+    int first = 0;
+    while (first < n && !set.Contains(p[first]))
+        ++first;
+    if (first == n)
+        return text; // shares the buffer: no allocation
+    TString result;
+    result.reserve(n + 10);
+    result.append(p, first);
     for (int i = first; i < n; ++i) {
-        if (chars.contains(p[i]))
+        if (set.Contains(p[i]))
             result.append(escape);
         result.append(p[i]);
     }
@@ -376,7 +410,7 @@ namespace {
 
 struct SecretRule
 {
-    const char16_t* key;
+    const char* key; // ASCII, lower case
     const char16_t* pattern;
     const char16_t* replacement;
 };
@@ -384,27 +418,79 @@ struct SecretRule
 // Applied in this order to the running result. The mask writes the key in upper case; the
 // token rule needs the ";" after the token and swallows it.
 const SecretRule s_secretRules[] = {
-    {u"PASSWORD=", u"[Pp][Aa][Ss][Ss][Ww][Oo][Rr][Dd]=\\S*", u"PASSWORD=********"},
-    {u"PWD=", u"[Pp][Ww][Dd]=\\S*", u"PWD=********"},
-    {u"TOKEN=", u"[Tt][Oo][Kk][Ee][Nn]=[A-Za-z0-9-._~+/]*;", u"TOKEN=********"},
-    {u"RTK=", u"[Rr][Tt][Kk]=[A-Za-z0-9]*", u"RTK=********"},
-    {u"secret_access_key=>", u"[Ss][Ee][Cc][Rr][Ee][Tt][_][Aa][Cc][Cc][Ee][Ss][Ss][_][Kk][Ee][Yy]=>['].*?[']",
+    {"password=", u"[Pp][Aa][Ss][Ss][Ww][Oo][Rr][Dd]=\\S*", u"PASSWORD=********"},
+    {"pwd=", u"[Pp][Ww][Dd]=\\S*", u"PWD=********"},
+    {"token=", u"[Tt][Oo][Kk][Ee][Nn]=[A-Za-z0-9-._~+/]*;", u"TOKEN=********"},
+    {"rtk=", u"[Rr][Tt][Kk]=[A-Za-z0-9]*", u"RTK=********"},
+    {"secret_access_key=>", u"[Ss][Ee][Cc][Rr][Ee][Tt][_][Aa][Cc][Cc][Ee][Ss][Ss][_][Kk][Ee][Yy]=>['].*?[']",
      u"SECRET_ACCESS_KEY=>'********'"},
-    {u"access_key_id=>", u"[Aa][Cc][Cc][Ee][Ss][Ss][_][Kk][Ee][Yy][_][Ii][Dd]=>['].*?[']",
+    {"access_key_id=>", u"[Aa][Cc][Cc][Ee][Ss][Ss][_][Kk][Ee][Yy][_][Ii][Dd]=>['].*?[']",
      u"ACCESS_KEY_ID=>'********'"},
 };
+
+// Whether the lower-case ASCII `key` stands at `p[start]`, in any ASCII case.
+bool KeyAt(const char16_t* p, int n, int start, const char* key, int keyLength)
+{
+    if (start < 0 || start + keyLength > n)
+        return false;
+    for (int j = 0; j < keyLength; ++j) {
+        char16_t c = p[start + j];
+        if (c >= u'A' && c <= u'Z')
+            c = char16_t(c + (u'a' - u'A'));
+        if (c != char16_t(key[j]))
+            return false;
+    }
+    return true;
+}
+
+// One bit a rule: whether its key occurs in `text` in any ASCII case. One pass: each key
+// holds a "=", so only the places of "=" are tried.
+//
+// This stands for a case-insensitive `contains`: the two differ only on keys spelt with
+// non-ASCII letters that fold to ASCII ones (U+017F for "s", U+212A for "k"), which the
+// patterns, made of ASCII classes, would not replace anyway.
+unsigned KeysPresent(const TString& text)
+{
+    constexpr int kRules = int(sizeof s_secretRules / sizeof s_secretRules[0]);
+    static_assert(kRules <= 32, "one bit a rule");
+    struct KeyShape
+    {
+        int length;
+        int equalsAt;
+    };
+    static const auto s_shapes = [] {
+        std::array<KeyShape, kRules> shapes{};
+        for (int r = 0; r < kRules; ++r) {
+            const char* key = s_secretRules[r].key;
+            shapes[size_t(r)] = {int(std::strlen(key)), int(std::strchr(key, '=') - key)};
+        }
+        return shapes;
+    }();
+    const char16_t* p = text.constData();
+    const int n = text.length();
+    unsigned present = 0;
+    for (int i = text.indexOf(u'='); i >= 0; i = text.indexOf(u'=', i + 1)) {
+        for (int r = 0; r < kRules; ++r) {
+            const KeyShape& shape = s_shapes[size_t(r)];
+            if (KeyAt(p, n, i - shape.equalsAt, s_secretRules[r].key, shape.length))
+                present |= 1u << r;
+        }
+    }
+    return present;
+}
 
 } // namespace
 
 TString ObfuscateSecretsInString(const TString& text)
 {
-    // Every key holds "=": without one there is nothing to look for. This keeps the
-    // common case, a text with no secret, to one scan.
-    if (!text.contains(u'='))
+    // The common case, a text without a secret, costs one pass and no pattern work.
+    if (KeysPresent(text) == 0)
         return text;
     TString result(text);
+    int r = 0;
     for (const SecretRule& rule : s_secretRules) {
-        if (result.contains(TString(rule.key), TString::CaseInsensitive))
+        // Each rule looks at the running result: an earlier mask may have taken a key away.
+        if ((KeysPresent(result) >> r++) & 1u)
             result = ReStringParser::ReplaceAll(result, TString(rule.pattern), TString(rule.replacement));
     }
     return result;

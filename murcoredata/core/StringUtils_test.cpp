@@ -191,6 +191,8 @@ TEST(StringUtils, EscapePrefixesListedUnits)
         {u"[a]", u"[]", u"\\[a\\]"},
         {u"", u".", u""},
         {u"abc", u"", u"abc"},
+        {u"\u00E9t\u00E9 \u00E8", u"\u00E9", u"\\\u00E9t\\\u00E9 \u00E8"}, // units above ASCII
+        {u"a?\u007F\u0080", u"\u007F\u0080?", u"a\\?\\\u007F\\\u0080"},
     };
     for (const Row& r : rows) {
         SCOPED_TRACE(TString(r.text).toStdString());
@@ -536,6 +538,8 @@ TEST(StringUtils, ObfuscateSecretsMasksEveryKeyKind)
         // Text without a key, with and without "=", comes back as it is.
         {TString(u"a=b c=d"), TString(u"a=b c=d")},
         {TString(u"pass word=x"), TString(u"pass word=x")},
+        {TString(u"pa\u017Fsword=x"), TString(u"pa\u017Fsword=x")}, // only ASCII letters make a key
+        {TString(u"to\u212Aen=x;"), TString(u"to\u212Aen=x;")},
         {TString(), TString()},
     };
     for (const Row& r : rows) {
