@@ -5,9 +5,12 @@
 //  - Boost.Xpressive (`RegExParserDefs::BoostXpressive`): ECMAScript syntax on the text as
 //    wide characters (UTF-32 here; a lone surrogate becomes U+FFFD). Dot does not match a
 //    line feed. Positions count wide characters, so a character outside the BMP counts one.
+//    Character classes and case folding come from the global C++ locale; under "C", the
+//    default, \w and case-insensitive matching know ASCII letters only.
 //  - ICU (any other engine value): ICU syntax, dot matches line ends (the pattern is
-//    compiled with UREGEX_DOTALL). Positions count UTF-16 code units. Compiled patterns are
-//    shared through one process-wide cache of 4096 entries keyed by pattern text and flags.
+//    compiled with UREGEX_DOTALL), and classes and case folding are Unicode's. Positions
+//    count UTF-16 code units. Compiled patterns are shared through one process-wide cache
+//    of 4096 entries keyed by pattern text and flags.
 //
 // The text arguments are zero-terminated: the `TString` forms pass `constData()`, so a text
 // with an embedded U+0000 is read up to it. A pattern that an engine cannot compile makes

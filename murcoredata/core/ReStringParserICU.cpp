@@ -2,7 +2,6 @@
 
 #include "murcoredata/core/RandomCache.h"
 #include "murcoredata/core/ReStringParserEngines.h"
-#include "murcoredata/foundation/InitOnce.h"
 #include "murcoredata/foundation/THash.h"
 
 #include <unicode/regex.h>
@@ -29,16 +28,12 @@ using RegexPatternCache = RandomCache<PatternKey, std::shared_ptr<const icu::Reg
 
 constexpr unsigned kPatternCacheCapacity = 4096;
 
-struct MakePatternCache
-{
-    RegexPatternCache* operator()(void*) const { return new RegexPatternCache(kPatternCacheCapacity, nullptr); }
-};
-
-// Made on first use and never freed: parsers may be destroyed during static destruction.
+// Made on first use and never freed: parsers may be made during static destruction, and
+// the cache stays reachable, so a leak checker does not count it.
 RegexPatternCache& GetPatternCache()
 {
-    static InitOnceSlot s_slot;
-    return *InitOnceHelper<false, false, MakePatternCache, RegexPatternCache*>::Get(s_slot);
+    static RegexPatternCache* const s_cache = new RegexPatternCache(kPatternCacheCapacity, nullptr);
+    return *s_cache;
 }
 
 std::shared_ptr<const icu::RegexPattern> CompilePattern(const char16_t* pattern, unsigned flags)

@@ -92,6 +92,7 @@ TEST(ReStringParser, SearchAllGivesEveryMatchWithPositionsAndGroups)
         {u"(\\w)=(\\d)", u"a=1,b=2", {{0, List({u"a", u"1"})}, {4, List({u"b", u"2"})}}},
         {u"(x)?y", u"yxy", {{0, List({u""})}, {1, List({u"x"})}}},
         {u"z", u"abc", {}},
+        {u"x*", u"ab", {{0, {}}, {1, {}}, {2, {}}}}, // empty matches advance
         {u"a", u"", {}},
     };
     for (const Row& r : rows) {
@@ -132,6 +133,12 @@ TEST(ReStringParser, WhereTheEnginesDiffer)
     EXPECT_EQ(ReStringParser(u"a", true, RegExParserDefs::ICU).replaceAll(u"banana", u"o"), TString());
     EXPECT_EQ(ReStringParser(u"a", true, RegExParserDefs::BoostXpressive).replaceAll(u"banana", u"o"),
               TString(u"bonono"));
+    // Classes and case folding: Unicode with ICU, ASCII with Boost.Xpressive under the
+    // default "C" locale.
+    EXPECT_TRUE(ReStringParser(u"\u00E9", false, RegExParserDefs::ICU).match(u"\u00C9"));
+    EXPECT_FALSE(ReStringParser(u"\u00E9", false, RegExParserDefs::BoostXpressive).match(u"\u00C9"));
+    EXPECT_TRUE(ReStringParser(u"\\w", true, RegExParserDefs::ICU).match(u"\u00E9"));
+    EXPECT_FALSE(ReStringParser(u"\\w", true, RegExParserDefs::BoostXpressive).match(u"\u00E9"));
     // Any engine value other than 1 is ICU.
     EXPECT_TRUE(ReStringParser(u"a.b", true, RegExParserDefs(7)).match(u"a\nb"));
 }
