@@ -1,6 +1,6 @@
 #pragma once
 
-// The engine interface behind `ReStringParser`, for its implementation files only. Each
+// Internal: the engine interface behind `ReStringParser`, for its implementation files only. Each
 // engine sits in a file of its own, so that Boost.Xpressive is compiled in one place.
 
 #include "murcoredata/core/ReStringParser.h"
