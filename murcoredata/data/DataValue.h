@@ -50,10 +50,12 @@
 #include <string>
 #include <type_traits>
 
-#if defined(__GNUC__) || defined(__clang__)
-#  define MURCOREDATA_LIKELY(condition) __builtin_expect(!!(condition), 1)
-#else
-#  define MURCOREDATA_LIKELY(condition) (condition)
+#ifndef MURCOREDATA_LIKELY
+#  if defined(__GNUC__) || defined(__clang__)
+#    define MURCOREDATA_LIKELY(condition) __builtin_expect(!!(condition), 1)
+#  else
+#    define MURCOREDATA_LIKELY(condition) (condition)
+#  endif
 #endif
 
 /// The kind of a value. The numbers are a contract: unlike types are ordered by them and the
@@ -131,6 +133,7 @@ public:
     /// A pointer would otherwise be taken for a `bool`.
     template <typename T>
     DataValue(T*) = delete;
+    DataValue(std::nullptr_t) = delete;
 
     DataValue(const DataValue& other);
     DataValue(DataValue&& other) noexcept;

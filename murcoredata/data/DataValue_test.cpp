@@ -197,7 +197,8 @@ static_assert(IsTemporal(DataType::Date) && IsTemporal(DataType::DateTime) && !I
 static_assert(IsQuantitative(DataType::Date) && IsQuantitative(DataType::Real) && !IsQuantitative(DataType::Time), "");
 static_assert(!std::is_convertible<int, DataValue>::value && !std::is_convertible<bool, DataValue>::value,
               "numbers become values only on purpose");
-static_assert(!std::is_constructible<DataValue, const char16_t*>::value, "a pointer is not a boolean");
+static_assert(!std::is_constructible<DataValue, const char16_t*>::value && !std::is_constructible<DataValue, std::nullptr_t>::value,
+              "a pointer is not a boolean");
 static_assert(!std::is_constructible<DataValue, double>::value, "a real goes through FromDouble");
 
 TEST(DataValue, HeadersAreWrittenAsTheTableSays)
