@@ -27,8 +27,9 @@
 //   Table     never held in a value
 //
 // Inline kinds (numbers, booleans, dates, times) own nothing: copying, comparing and
-// hashing them touches no counter and allocates nothing. Move is a bitwise copy followed by
-// one byte store that turns the source into an Unknown value, which owns nothing.
+// hashing them touches no counter and allocates nothing. Move is a bitwise copy after which
+// the source's type byte says Unknown; an Unknown value owns nothing, so the source keeps
+// its stale payload harmlessly and must only be assigned to or destroyed.
 //
 // Settled oddities of the rules below: an integer never equals a real (1 != 1.0), yet they
 // are ordered against each other through double, so 1 and 1.0 are neither equal nor
@@ -239,20 +240,14 @@ public:
 private:
     friend struct DataValueTestPeer;
 
-    // Types whose payload is owned: String, Tuple, Spatial, Binary.
+    // Types whose payload is owned: String, Tuple, Binary (a counted object) and Spatial (a box).
     static constexpr unsigned kOwningTypes = (1u << unsigned(DataType::String)) | (1u << unsigned(DataType::Tuple)) |
                                              (1u << unsigned(DataType::Spatial)) | (1u << unsigned(DataType::Binary));
-    // Types whose payload is a RefCntObject: String, Tuple, Binary.
-    static constexpr unsigned kCountedTypes = kOwningTypes & ~(1u << unsigned(DataType::Spatial));
 
     // A type byte outside the enumeration (it may come from a document) owns nothing.
     static constexpr bool OwnsPayload(DataType type) noexcept
     {
         return unsigned(type) < 32 && ((kOwningTypes >> unsigned(type)) & 1u) != 0;
-    }
-    static constexpr bool IsCounted(DataType type) noexcept
-    {
-        return unsigned(type) < 32 && ((kCountedTypes >> unsigned(type)) & 1u) != 0;
     }
 
     // The value as two 64-bit words: the header (type, special, precision, scale, ordinal)
