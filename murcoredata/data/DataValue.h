@@ -245,14 +245,14 @@ private:
                                              (1u << unsigned(DataType::Spatial)) | (1u << unsigned(DataType::Binary));
 
     // A type byte outside the enumeration (it may come from a document) owns nothing.
+    // Written without a short circuit, so that it costs one branch where it is tested.
     static constexpr bool OwnsPayload(DataType type) noexcept
     {
-        return unsigned(type) < 32 && ((kOwningTypes >> unsigned(type)) & 1u) != 0;
+        return ((unsigned(type) < 32) & ((kOwningTypes >> (unsigned(type) & 31u)) & 1u)) != 0;
     }
 
     // The value as two 64-bit words: the header (type, special, precision, scale, ordinal)
-    // and the payload. Copies go word by word, so that a copy right after a move reads
-    // back whole words that were just stored whole.
+    // and the payload. Copies and swaps go word by word: two loads and two stores.
     uint64_t GetHeaderWord() const noexcept
     {
         uint64_t header;
@@ -263,16 +263,6 @@ private:
     {
         std::memcpy(static_cast<void*>(this), &header, sizeof header);
         m_payload = payload;
-    }
-    void SetHeaderWord(uint64_t header) noexcept { std::memcpy(static_cast<void*>(this), &header, sizeof header); }
-    // The header word with its type byte (the first byte in memory) set to Unknown.
-    static constexpr uint64_t WithTypeUnknown(uint64_t header) noexcept
-    {
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-        return (header & ~(uint64_t(0xFF) << 56)) | (uint64_t(DataType::Unknown) << 56);
-#else
-        return (header & ~uint64_t(0xFF)) | uint64_t(DataType::Unknown);
-#endif
     }
     // Type and special in one number, the same on every byte order.
     unsigned GetTag() const noexcept { return unsigned(m_type) | (unsigned(uint8_t(m_special)) << 8); }
@@ -481,10 +471,8 @@ inline DataValue::DataValue(const DataValue& other)
 
 inline DataValue::DataValue(DataValue&& other) noexcept
 {
-    const uint64_t header = other.GetHeaderWord();
-    SetWords(header, other.m_payload);
-    // Only the type byte of the source changes; written as the whole word it belongs to.
-    other.SetHeaderWord(WithTypeUnknown(header));
+    SetWords(other.GetHeaderWord(), other.m_payload);
+    other.m_type = DataType::Unknown;
 }
 
 inline DataValue& DataValue::operator=(const DataValue& other)
@@ -494,9 +482,8 @@ inline DataValue& DataValue::operator=(const DataValue& other)
         // inside the object this value releases (a member of its own tuple).
         DataValue copy(other);
         RemoveReference();
-        const uint64_t header = copy.GetHeaderWord();
-        SetWords(header, copy.m_payload);
-        copy.SetHeaderWord(WithTypeUnknown(header));
+        SetWords(copy.GetHeaderWord(), copy.m_payload);
+        copy.m_type = DataType::Unknown;
     }
     return *this;
 }
@@ -505,9 +492,8 @@ inline DataValue& DataValue::operator=(DataValue&& other) noexcept
 {
     if (this != &other) {
         RemoveReference();
-        const uint64_t header = other.GetHeaderWord();
-        SetWords(header, other.m_payload);
-        other.SetHeaderWord(WithTypeUnknown(header));
+        SetWords(other.GetHeaderWord(), other.m_payload);
+        other.m_type = DataType::Unknown;
     }
     return *this;
 }
