@@ -1,0 +1,3 @@
+#include "murcoredata/data/DataValueInspector.h"
+
+DataValueInspector::~DataValueInspector() = default;
