@@ -17,12 +17,20 @@ namespace {
 
 struct ThreadCollators;
 
-// Plain thread-locals, constant-initialised, so that reading them costs no guard: the map of
-// this thread while it lives, and the last pool served with its collator. A comparison loop
-// over one collation never reaches the map.
+// The last pool this thread was served, with its collator: a comparison loop over one
+// collation never reaches the map. Constant-initialised, so reading it costs no guard, and in
+// the initial-exec model, so that it is one load from the thread pointer rather than a call
+// into the dynamic linker: 16 bytes of static TLS, which the loader reserves even for a
+// library that is opened late.
+struct LastServed
+{
+    const ICUCollatorPool* pool;
+    ICUCollator* collator;
+};
+thread_local LastServed t_last __attribute__((tls_model("initial-exec"))) = {nullptr, nullptr};
+
+// This thread's map while it lives.
 thread_local ThreadCollators* t_current = nullptr;
-thread_local const ICUCollatorPool* t_lastPool = nullptr;
-thread_local ICUCollator* t_lastCollator = nullptr;
 
 // One collator per pool this thread has used; the map is the collators' only owner, and
 // they go when the thread ends.
@@ -34,8 +42,7 @@ struct ThreadCollators
     ~ThreadCollators()
     {
         t_current = nullptr;
-        t_lastPool = nullptr;
-        t_lastCollator = nullptr;
+        t_last = {nullptr, nullptr};
     }
 };
 
@@ -49,10 +56,8 @@ ThreadCollators& CurrentThreadCollators()
 // same address is not served the old one's collator.
 void ForgetThreadCollator(const ICUCollatorPool* pool)
 {
-    if (t_lastPool == pool) {
-        t_lastPool = nullptr;
-        t_lastCollator = nullptr;
-    }
+    if (t_last.pool == pool)
+        t_last = {nullptr, nullptr};
     if (ThreadCollators* current = t_current)
         current->collators.erase(pool);
 }
@@ -172,15 +177,26 @@ ICUCollatorPool::~ICUCollatorPool()
     ForgetThreadCollator(this);
 }
 
+// Both acquisitions test the last-served pair themselves: the virtual one is the hot path of
+// every comparison, and a call from one exported function to another would go through the
+// dynamic linker's table.
 ICUCollator* ICUCollatorPool::AcquireICUCollator()
 {
-    if (t_lastPool == this)
-        return t_lastCollator;
+    const LastServed last = t_last;
+    return last.pool == this ? last.collator : AcquireFromThreadMap();
+}
 
+Collator* ICUCollatorPool::AcquireCollator()
+{
+    const LastServed last = t_last;
+    return last.pool == this ? last.collator : AcquireFromThreadMap();
+}
+
+ICUCollator* ICUCollatorPool::AcquireFromThreadMap()
+{
     std::shared_ptr<ICUCollator>& slot = CurrentThreadCollators().collators[this];
     if (!slot)
         slot = std::make_shared<ICUCollator>(this, m_id, *m_spec);
-    t_lastPool = this;
-    t_lastCollator = slot.get();
-    return t_lastCollator;
+    t_last = {this, slot.get()};
+    return t_last.collator;
 }

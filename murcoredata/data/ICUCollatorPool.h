@@ -33,7 +33,8 @@ public:
     /// call tries again.
     ICUCollator* AcquireICUCollator();
 
-    Collator* AcquireCollator() override { return AcquireICUCollator(); }
+    /// The same as `AcquireICUCollator`.
+    Collator* AcquireCollator() override;
     const TString& GetName() const override { return m_name; }
     /// Strength above secondary; case level plays no part.
     bool IsCaseSensitive() const override { return m_caseSensitive; }
@@ -54,6 +55,8 @@ public:
     const CollationSpec& GetSpec() const { return *m_spec; }
 
 private:
+    ICUCollator* AcquireFromThreadMap();
+
     ICUCollator::Id m_id;
     std::unique_ptr<CollationSpec> m_spec;
     TString m_name;
