@@ -8,7 +8,7 @@
 #include <unicode/uloc.h>
 
 #include <algorithm>
-#include <climits>
+#include <cstdint>
 #include <cstring>
 
 using Implementation::LanguageTableSet;
@@ -514,6 +514,11 @@ MapCode LanguageUtilsInternal::GetMapCodeForLocale(const TString& iso)
 const SupportedLanguageTable& LanguageUtilsInternal::GetSupportedLanguageTable()
 {
     return ProcessTables().GetSupportedTable();
+}
+
+const std::unordered_map<TString, TString>& LanguageUtilsInternal::GetSpecialLocaleTable()
+{
+    return ProcessTables().GetSpecialTable();
 }
 
 LanguageMap& LanguageUtilsInternal::GetLanguageMap()

@@ -9,7 +9,7 @@
 //   market       a commercial region: "EU", "US", "APAC", "LATAM", "USCA", "Japan", "China"
 //   full string  ISO string "-" market: "en_US-EU"     (what the supported table yields)
 //
-// A locale id (`lcid`, Lcid.h) is the third way of naming a locale. A "-" or "_" at index 0
+// A locale id (`lcid`, Lcid.h) is the third way of naming a locale. A "-" at index 0
 // separates nothing: "-US" has no market, and its ISO string is "-US".
 //
 // Nothing here throws on bad text: every look-up falls down a chain of built-in tables and
@@ -173,6 +173,9 @@ public:
     /// The supported table, completed from the language map (and the pseudo languages when
     /// they are on) on first use. Read-only from then on.
     static const SupportedLanguageTable& GetSupportedLanguageTable();
+    /// The table of locales the application does not ship in -> the full string they read
+    /// ("nl_NL" -> "en_GB-EU"). Its targets need not be supported ("mn_MN" -> "zn_CN-China").
+    static const std::unordered_map<TString, TString>& GetSpecialLocaleTable();
     /// The live desktop language map, filled on first use. Changes to it (and `ResetPseudo`)
     /// are not synchronised with readers: make them before threads read it.
     static LanguageMap& GetLanguageMap();

@@ -139,6 +139,10 @@ int ICUUtils::CountWords(const TString& text, const std::string& locale)
     std::unique_ptr<UText, UTextCloser> utext(utext_openUTF8(nullptr, utf8.c_str(), -1, &status));
     std::unique_ptr<UBreakIterator, BreakIteratorCloser> words(
         ubrk_open(UBRK_WORD, locale.c_str(), nullptr, 0, &status));
+    // ICU refuses some names (over-long ones) with a null iterator, which `ubrk_setUText`
+    // would use regardless of the status: check before going on.
+    if (U_FAILURE(status) || utext == nullptr || words == nullptr)
+        return 0;
     ubrk_setUText(words.get(), utext.get(), &status);
     if (U_FAILURE(status))
         return 0;
