@@ -96,6 +96,8 @@ public:
     // Collator
     //===--------------------------------------------------------------------===//
 
+    /// `ucol_strcoll` and nothing else: no normalisation, no caching. ICU answers 0 for a
+    /// missing text, and U+0000 is ignorable to it, also inside a counted text.
     int Compare(const char16_t* a, const char16_t* b) const override;
     int Compare(const char16_t* a, int aLength, const char16_t* b, int bLength) const override;
     /// -1 for a null text or pattern and for an empty pattern (although a binary find of an
@@ -134,7 +136,9 @@ public:
     // Names and identities
     //===--------------------------------------------------------------------===//
 
-    /// Checks the letter tables of the name grammar; run once by `ICUCollatorPool::Factory`.
+    /// Settles what depends on the running ICU (the digit rule); run once by
+    /// `ICUCollatorPool::Factory`. The letter tables of the name grammar are constant data
+    /// and need no filling, so names can be written before any pool exists.
     static void Initialize();
     /// `name` with one attribute set: value -1 or the attribute's default removes its part.
     /// Setting an attribute on the binary name fails a logic assertion.
