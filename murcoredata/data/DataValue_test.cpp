@@ -680,8 +680,8 @@ TEST(DataValue, LiteralForm)
         {DataValue::FromDouble(3.0), u"3."},
         {DataValue::FromDouble(-3.0), u"-3."},
         {DataValue::FromDouble(0.0), u"0."},
-        // The string class writes no sign on a zero, so -0.0 reads back as 0.0.
-        {DataValue::FromDouble(-0.0), u"0."},
+        // Negative zero keeps its sign and reads back as itself.
+        {DataValue::FromDouble(-0.0), u"-0."},
         {DataValue::FromDouble(2.5), u"2.5"},
         {DataValue::FromDouble(0.1), u"0.10000000000000001"},
         {DataValue::FromDouble(1e16), u"10000000000000000."},

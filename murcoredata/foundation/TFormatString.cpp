@@ -47,7 +47,9 @@ TFormatStringCore TFormatStringCore::arg(unsigned long long value, int width, in
 
 TFormatStringCore TFormatStringCore::arg(double value, int width, char format, int precision, char16_t fill, int) const
 {
-    MUR_FORMAT_ARG(arg(value, width, format, precision, QChar(fill)));
+    // Through TString::number, which keeps the sign of negative zero; -1 is Qt's default of 6.
+    const TString text = TString::number(value, format, precision < 0 ? 6 : precision);
+    MUR_FORMAT_ARG(arg(text.toQString(), width, QChar(fill)));
 }
 
 TFormatStringCore TFormatStringCore::arg(const TString& a1, const TString& a2) const

@@ -4,6 +4,7 @@
 
 
 #include <algorithm>
+#include <cmath>
 #include <ostream>
 
 namespace {
@@ -51,9 +52,19 @@ TString TString::number(unsigned long long value, int base, int width, char16_t 
     return Pad(QString::number(value, base), width, fill);
 }
 
+// Qt writes negative zero without its sign; the text of a double must read back as the
+// same double, so the sign is put back.
+static QString DoubleText(double value, char format, int precision)
+{
+    QString text = QString::number(value, format, precision);
+    if (value == 0.0 && std::signbit(value) && !text.startsWith(QLatin1Char('-')))
+        text.prepend(QLatin1Char('-'));
+    return text;
+}
+
 TString TString::number(double value, char format, int precision, int /*flag*/)
 {
-    return QString::number(value, format, precision);
+    return DoubleText(value, format, precision);
 }
 
 TString& TString::setNum(long long value, int base)
@@ -70,7 +81,7 @@ TString& TString::setNum(unsigned long long value, int base)
 
 TString& TString::setNum(double value, char format, int precision, int /*flag*/)
 {
-    m_str.setNum(value, format, precision);
+    m_str = DoubleText(value, format, precision);
     return *this;
 }
 

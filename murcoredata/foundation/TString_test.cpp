@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <map>
 #include <unordered_map>
 
@@ -54,7 +55,12 @@ TEST(TString, NumbersToText)
     EXPECT_EQ(TString::number(0.1, 'g', 17), TString(u"0.10000000000000001"));
     EXPECT_EQ(TString::number(1.0, 'g', 17), TString(u"1"));
     EXPECT_EQ(TString::number(1e300, 'g', 17), TString(u"1.0000000000000001e+300"));
+    // Negative zero keeps its sign, so the text reads back as the same double.
+    EXPECT_EQ(TString::number(-0.0, 'g', 17), TString(u"-0"));
+    EXPECT_TRUE(std::signbit(TString::number(-0.0, 'g', 17).toDouble()));
+    EXPECT_EQ(TString::number(0.0, 'g', 17), TString(u"0"));
     TString s;
+    EXPECT_EQ(s.setNum(-0.0, 'f', 1), TString(u"-0.0"));
     EXPECT_EQ(s.setNum(-42LL), TString(u"-42"));
     EXPECT_EQ(s.setNum(2.5, 'f', 2), TString(u"2.50"));
 }
@@ -176,4 +182,5 @@ TEST(TFormatString, ArgFillsTheLowestOpenPlaceholder)
               TString(u"abcde"));
     const TFormatStringCore core(TString(u"%1 x %2"));
     EXPECT_EQ(core.arg(1.5, 0, 'f', 1).result(), TString(u"1.5 x %2"));
+    EXPECT_EQ(core.arg(-0.0, 0, 'g', 17).arg(2.25).result(), TString(u"-0 x 2.25"));
 }
