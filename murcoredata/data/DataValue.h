@@ -37,6 +37,8 @@
 // precision and scale play no part in equality or in the hash of a real.
 
 #include "murcoredata/data/DataValueInspector.h"
+#include "murcoredata/data/DateTime.h"
+#include "murcoredata/data/Time.h"
 #include "murcoredata/foundation/Export.h"
 #include "murcoredata/foundation/RefCnt.h"
 #include "murcoredata/foundation/THash.h"
@@ -50,6 +52,8 @@
 #include <memory>
 #include <string>
 #include <type_traits>
+
+class BinaryDataValue;
 
 #ifndef MURCOREDATA_LIKELY
 #  if defined(__GNUC__) || defined(__clang__)
@@ -131,6 +135,16 @@ public:
     explicit DataValue(long long value) noexcept;
     /// A real with decimal precision and scale; -1 for either means absent.
     DataValue(double value, signed char precision, signed char scale) noexcept;
+    /// A Date (`SetDate`) or a DateTime (`SetDatetime`); any other type is a logic error.
+    DataValue(const DateTime& value, DataType type);
+    /// Always a Time: `type` is accepted and ignored.
+    DataValue(const Time& value, DataType type) noexcept;
+    /// `SetTuple`: throws for a null pointer.
+    explicit DataValue(RefCntPtr<Tuple, RefCntObject> tuple);
+    /// `SetSpatial`: throws for an empty pointer.
+    explicit DataValue(std::shared_ptr<const murgeo::Spatial> spatial);
+    /// `SetBinary`: throws for a null pointer.
+    explicit DataValue(RefCntPtr<BinaryDataValue, RefCntObject> binary);
     /// A pointer would otherwise be taken for a `bool`.
     template <typename T>
     DataValue(T*) = delete;
@@ -145,6 +159,9 @@ public:
     /// A real without decimals.
     static DataValue FromDouble(double value) noexcept;
     static DataValue FromInt(long long value) noexcept;
+    /// `SetDate` and `SetDatetime` of a new value.
+    static DataValue FromDate(DateTime value) noexcept;
+    static DataValue FromDateTime(DateTime value) noexcept;
 
     //===------------------------------------------------------------------===//
     // Setters. Each releases what the value held, then writes the whole header.
@@ -161,6 +178,23 @@ public:
     /// Null of the current type; throws on a tuple.
     void SetNull();
     void SetNull(DataType type);
+
+    /// The date of `value` (any time of day is dropped); an invalid `value` gives a null Date.
+    void SetDate(DateTime value) noexcept;
+    /// An invalid `value` gives a null DateTime.
+    void SetDatetime(DateTime value) noexcept;
+    void SetTime(Time value) noexcept;
+    /// Shares the tuple; throws for a null pointer, leaving the value as it was.
+    void SetTuple(RefCntPtr<Tuple, RefCntObject> tuple);
+    /// Shares the binary object; throws for a null pointer, leaving the value as it was.
+    void SetBinary(RefCntPtr<BinaryDataValue, RefCntObject> binary);
+    /// Keeps the pointer in a box of this value's own; throws for an empty pointer, leaving
+    /// the value as it was. `SetSpatialOrNull` makes a null of an empty pointer instead.
+    void SetSpatial(std::shared_ptr<const murgeo::Spatial> spatial);
+    /// The position of a string in a sorted domain. Only a string that holds its object has
+    /// one: anything else, a null string included, raises the incorrect-type failure
+    /// (setting variant). The string itself is not touched.
+    void SetOrdinal(int ordinal);
 
     //===------------------------------------------------------------------===//
     // Accessors. Checked getters test the type and nothing else: the integer getter of
@@ -189,6 +223,26 @@ public:
     /// The payload word as it stands, whatever the kind.
     uint64_t GetAny() const noexcept { return m_payload; }
 
+    /// Dates and times read the payload back; a zero payload (a special) gives the default
+    /// `DateTime` (1899-12-30) or `Time` (midnight).
+    DateTime GetDate() const;
+    DateTime GetDatetime() const;
+    Time GetTime() const;
+    /// A new reference on the value's object, null for a special.
+    RefCntPtr<Tuple, RefCntObject> GetTuple() const;
+    RefCntPtr<BinaryDataValue, RefCntObject> GetBinary() const;
+    /// A copy of the pointer in the box; empty for a special.
+    std::shared_ptr<const murgeo::Spatial> GetSpatial() const;
+
+    DateTime GetDateUnchecked() const noexcept { return m_payload == 0 ? DateTime() : DateTime::FromValue(m_payload); }
+    DateTime GetDatetimeUnchecked() const noexcept { return GetDateUnchecked(); }
+    Time GetTimeUnchecked() const noexcept { return m_payload == 0 ? Time() : Time(m_payload); }
+    /// The payload read as a binary object, whatever the type says.
+    RefCntPtr<BinaryDataValue, RefCntObject> GetBinaryUnchecked() const;
+
+    /// The ordinal of a string that holds its object; -2 for anything else.
+    int GetOrdinal() const noexcept { return m_type == DataType::String && m_payload != 0 ? int(m_ordinal) : -2; }
+
     /// The stored field for a Real, -1 for any other type.
     int GetPrecision() const noexcept { return m_type == DataType::Real ? int(m_precision) : -1; }
     int GetScale() const noexcept { return m_type == DataType::Real ? int(m_scale) : -1; }
@@ -199,8 +253,9 @@ public:
     // Hashing. Comparison operators are free functions below the class.
     //===------------------------------------------------------------------===//
 
-    /// 32 bits. A real hashes its type byte and its payload only, so a null real and 0.0
-    /// collide; every other value hashes all sixteen bytes.
+    /// 32 bits. A string, tuple or spatial value hashes its object, so that equal objects
+    /// hash alike. A real hashes its type byte and its payload only, so a null real and 0.0
+    /// collide; every other value (binaries and specials included) hashes all sixteen bytes.
     uint32_t Hash() const;
 
     //===------------------------------------------------------------------===//
@@ -251,6 +306,20 @@ private:
         return ((unsigned(type) < 32) & ((kOwningTypes >> (unsigned(type) & 31u)) & 1u)) != 0;
     }
 
+    // Types whose equality and hash are their object's: String, Tuple and Spatial. (Two
+    // binaries are equal only when they share their object, which the payload bits say.)
+    static constexpr unsigned kObjectValueTypes = (1u << unsigned(DataType::String)) |
+                                                  (1u << unsigned(DataType::Tuple)) |
+                                                  (1u << unsigned(DataType::Spatial));
+    static constexpr bool HasObjectValue(DataType type) noexcept
+    {
+        return ((unsigned(type) < 32) & ((kObjectValueTypes >> (unsigned(type) & 31u)) & 1u)) != 0;
+    }
+    // The slow halves of `==` and `Hash` for those types: two values with the same tag and
+    // different payloads, and a value whose payload is set.
+    bool EqualObjects(const DataValue& other) const;
+    uint32_t HashObject() const;
+
     // The value as two 64-bit words: the header (type, special, precision, scale, ordinal)
     // and the payload. Copies and swaps go word by word: two loads and two stores.
     uint64_t GetHeaderWord() const noexcept
@@ -296,6 +365,8 @@ private:
 
     // The failure of a checked getter: logs "incorrect-data-type" and throws.
     [[noreturn]] static void RaiseIncorrectDataType(DataType expected, DataType actual);
+    // The same failure for a setter that needs a kind the value is not (`SetOrdinal`).
+    [[noreturn]] static void RaiseIncorrectDataTypeForSetting(DataType expected, DataType actual);
 
     DataType m_type;
     DataValueTypes::Special m_special;
@@ -333,6 +404,10 @@ bool operator>=(const DataValue& a, const DataValue& b);
 /// (sign flipped). The special is forgotten: minus a null integer is 0, minus a null real is
 /// -0.0. Other types are a logic error.
 MURCOREDATA_EXPORT DataValue operator-(DataValue value);
+
+/// `value.SetSpatial(spatial)`, or a null Spatial when `spatial` is empty: for readers whose
+/// failure to parse is an empty pointer.
+MURCOREDATA_EXPORT void SetSpatialOrNull(DataValue& value, std::shared_ptr<const murgeo::Spatial> spatial);
 
 /// An ASCII rendering for logs and debuggers: the text in double quotes, with \n \t \r \\ \"
 /// and \' escapes, printable ASCII as it is, and every other UTF-16 unit as \xHHHH.
@@ -463,6 +538,11 @@ inline DataValue::DataValue(double value, signed char precision, signed char sca
     SetDecimal(value, precision, scale);
 }
 
+inline DataValue::DataValue(const Time& value, DataType) noexcept : DataValue()
+{
+    SetTime(value);
+}
+
 inline DataValue::DataValue(const DataValue& other)
 {
     SetWords(other.GetHeaderWord(), other.m_payload);
@@ -517,6 +597,20 @@ inline DataValue DataValue::FromInt(long long value) noexcept
     return v;
 }
 
+inline DataValue DataValue::FromDate(DateTime value) noexcept
+{
+    DataValue v;
+    v.SetDate(value);
+    return v;
+}
+
+inline DataValue DataValue::FromDateTime(DateTime value) noexcept
+{
+    DataValue v;
+    v.SetDatetime(value);
+    return v;
+}
+
 inline void DataValue::SetInt(long long value) noexcept
 {
     RemoveReference();
@@ -541,6 +635,51 @@ inline void DataValue::SetDecimal(double value, signed char precision, signed ch
     RemoveReference();
     WriteHeader(DataType::Real, DataValueTypes::Special::None, precision, scale, 0);
     std::memcpy(&m_payload, &value, sizeof value);
+}
+
+inline void DataValue::SetDate(DateTime value) noexcept
+{
+    RemoveReference();
+    // A valid date-time is never 0, so the payload of an ordinary date is never that of a special.
+    const bool valid = value.IsValid();
+    WriteHeader(DataType::Date, valid ? DataValueTypes::Special::None : DataValueTypes::Special::Null, -1, -1, 0);
+    m_payload = valid ? value.GetDate().GetRepresentation() : 0;
+}
+
+inline void DataValue::SetDatetime(DateTime value) noexcept
+{
+    RemoveReference();
+    const bool valid = value.IsValid();
+    WriteHeader(DataType::DateTime, valid ? DataValueTypes::Special::None : DataValueTypes::Special::Null, -1, -1, 0);
+    m_payload = valid ? value.GetRepresentation() : 0;
+}
+
+inline void DataValue::SetTime(Time value) noexcept
+{
+    RemoveReference();
+    WriteHeader(DataType::Time, DataValueTypes::Special::None, -1, -1, 0);
+    m_payload = value.GetRepresentation();
+}
+
+inline DateTime DataValue::GetDate() const
+{
+    if (m_type != DataType::Date)
+        RaiseIncorrectDataType(DataType::Date, m_type);
+    return GetDateUnchecked();
+}
+
+inline DateTime DataValue::GetDatetime() const
+{
+    if (m_type != DataType::DateTime)
+        RaiseIncorrectDataType(DataType::DateTime, m_type);
+    return GetDatetimeUnchecked();
+}
+
+inline Time DataValue::GetTime() const
+{
+    if (m_type != DataType::Time)
+        RaiseIncorrectDataType(DataType::Time, m_type);
+    return GetTimeUnchecked();
 }
 
 inline bool DataValue::GetBool() const
@@ -573,10 +712,14 @@ inline uint32_t DataValue::Hash() const
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
     if (m_type == DataType::Real)
         return THash32(&m_payload, sizeof m_payload, Implementation::kRealTypeHashSeed);
+    if (HasObjectValue(m_type) && m_payload != 0)
+        return HashObject();
     return THash32(this, sizeof(DataValue), Implementation::kDataValueHashSeed);
 #else
     if (m_type == DataType::Real)
         return Implementation::THash32Of8Bytes(m_payload, Implementation::kRealTypeHashSeed);
+    if (HasObjectValue(m_type) && m_payload != 0)
+        return HashObject();
     return Implementation::THash32Of16Bytes(GetHeaderWord(), m_payload, Implementation::kDataValueHashSeed);
 #endif
 }
@@ -603,7 +746,13 @@ inline void DataValue::RemoveReference() noexcept
 
 inline bool operator==(const DataValue& a, const DataValue& b)
 {
-    return a.GetTag() == b.GetTag() && a.m_payload == b.m_payload;
+    // Same tag and the same payload bits: equal for every kind (the same object, for the
+    // kinds that hold one). Otherwise only the kinds compared by their objects may be.
+    if (a.GetTag() != b.GetTag())
+        return false;
+    if (a.m_payload == b.m_payload)
+        return true;
+    return DataValue::HasObjectValue(a.m_type) && a.EqualObjects(b);
 }
 
 inline bool operator!=(const DataValue& a, const DataValue& b)

@@ -625,7 +625,11 @@ TEST(DataValue, InlineHashAgreesWithTheGeneralRoutine)
     };
     for (int i = 0; i < 100000; ++i) {
         const uint64_t payload = next();
-        const uint64_t header = next();
+        uint64_t header = next();
+        // Strings, tuples and spatial values hash their objects, which random bytes are not:
+        // those three type bytes are moved out of the enumeration.
+        if (uint8_t(header) == 2 || uint8_t(header) == 6 || uint8_t(header) == 7)
+            header |= 0x80;
         // Any header, including bytes no setter writes; the type byte picks the row.
         DataValue v = DataValueTestPeer::RawWords(header, payload);
         uint8_t bytes[16];
