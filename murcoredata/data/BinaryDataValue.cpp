@@ -160,7 +160,7 @@ void BinaryDataValue::SetDataValue(const DataValue& value)
         SetReal(value.GetRealUnchecked(), static_cast<signed char>(value.GetScale()));
         return;
     case DataType::String:
-        // STRINGS-PENDING: SetString(value.GetString()) once the string kind lands.
+        SetString(value.GetString());
         return;
     case DataType::DateTime:
         SetDateTime(value.GetDatetimeUnchecked());

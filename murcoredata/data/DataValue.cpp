@@ -164,8 +164,78 @@ void DataValue::AdoptCountedObject(DataType type, const RefCntObject* object) no
 }
 
 //===----------------------------------------------------------------------===//
-// Tuples and binaries. The payload is the address of the RefCntObject base.
+// Strings, tuples and binaries. The payload is the address of the RefCntObject base.
 //===----------------------------------------------------------------------===//
+
+namespace {
+const StringWithCollation* StringOf(const DataValue& value)
+{
+    return static_cast<const StringWithCollation*>(
+        reinterpret_cast<const RefCntObject*>(static_cast<uintptr_t>(value.GetAny())));
+}
+
+// A new string object with the first reference taken, for `AdoptCountedObject`.
+const StringWithCollation* FirstReference(const StringWithCollation* string) noexcept
+{
+    string->AddReference();
+    return string;
+}
+} // namespace
+
+DataValue::DataValue(StringWithCollation&& string) : DataValue()
+{
+    SetString(std::move(string));
+}
+
+DataValue::DataValue(const RefCntPtr<StringWithCollation, RefCntObject>& string) : DataValue()
+{
+    SetString(string);
+}
+
+DataValue::DataValue(const Collation& collation, const TString& text) : DataValue()
+{
+    SetString(collation, text);
+}
+
+DataValue::DataValue(Collation&& collation, TString&& text) : DataValue()
+{
+    AdoptCountedObject(DataType::String, FirstReference(new StringWithCollation(std::move(text), std::move(collation))));
+}
+
+DataValue DataValue::FromString(const TString& text)
+{
+    return DataValue(GetUnknownCollation(), text);
+}
+
+void DataValue::SetString(StringWithCollation&& string)
+{
+    AdoptCountedObject(DataType::String, FirstReference(new StringWithCollation(std::move(string))));
+}
+
+void DataValue::SetString(const Collation& collation, const TString& text)
+{
+    AdoptCountedObject(DataType::String, FirstReference(new StringWithCollation(text, collation)));
+}
+
+void DataValue::SetString(const RefCntPtr<StringWithCollation, RefCntObject>& string)
+{
+    if (!string)
+        ThrowBadArgument(u"DataValue::SetString: bad argument", MurErrorsError::AutoGen_0xE188009E());
+    AdoptCountedObject(DataType::String, FirstReference(string.get()));
+}
+
+void DataValue::SetString(RefCntPtr<StringWithCollation, RefCntObject>&& string)
+{
+    if (!string)
+        ThrowBadArgument(u"DataValue::SetString: bad argument", MurErrorsError::AutoGen_0xE188009F());
+    AdoptCountedObject(DataType::String, string.release());
+}
+
+const TString& DataValue::GetEmptyString() noexcept
+{
+    static const TString s_empty;
+    return s_empty;
+}
 
 namespace {
 const Tuple* TupleOf(const DataValue& value)
@@ -350,7 +420,7 @@ bool DataValue::EqualObjects(const DataValue& other) const
         return a != nullptr && b != nullptr && *a == *b;
     }
     case DataType::String:
-        return false;
+        return *StringOf(*this) == *StringOf(other);
     case DataType::Integer:
     case DataType::Real:
     case DataType::DateTime:
@@ -375,6 +445,7 @@ uint32_t DataValue::HashObject() const
             return spatial->GetHash();
         break;
     case DataType::String:
+        return StringOf(*this)->GetHash();
     case DataType::Integer:
     case DataType::Real:
     case DataType::DateTime:
@@ -426,9 +497,14 @@ bool Implementation::DataValueLess(const DataValue& a, const DataValue& b)
     case DataType::Date:
     case DataType::Time:
         return a.GetAny() < b.GetAny();
-    case DataType::String:
-        // Ordered by their objects, whose classes bring the comparison.
-        return false;
+    case DataType::String: {
+        // A string without its object (a special) sorts first.
+        const StringWithCollation* sa = StringOf(a);
+        const StringWithCollation* sb = StringOf(b);
+        if (sa == nullptr || sb == nullptr)
+            return sa == nullptr && sb != nullptr;
+        return *sa < *sb;
+    }
     case DataType::Tuple: {
         // A null pointer (only ever from a document's bytes) sorts first.
         const Tuple* ta = TupleOf(a);
@@ -484,6 +560,20 @@ TString DateLiteral(DateTime value, TimeLiteral time)
     return text;
 }
 
+// The text between double quotes, each double quote inside doubled: a"b gives "a""b".
+TString StringLiteral(const TString& text)
+{
+    TString literal = s_quote;
+    literal.reserve(text.size() + 2);
+    for (const char16_t unit : text) {
+        literal += unit;
+        if (unit == u'"')
+            literal += unit;
+    }
+    literal += s_quote;
+    return literal;
+}
+
 // The short literal of a shape: its shape type in single quotes ('Point'). The full literal
 // with its keyword (GEOMETRY('POINT (1 2)')) belongs to the spatial text forms.
 TString SpatialLiteral(const murgeo::Spatial* spatial)
@@ -512,7 +602,7 @@ TString DataValue::FormatAsLiteral() const
         case DataType::Boolean:
             return GetBoolUnchecked() ? s_trueLiteral : s_falseLiteral;
         case DataType::String:
-            return TString();
+            return StringLiteral(GetString());
         case DataType::DateTime: {
             const DateTime value = GetDatetimeUnchecked();
             return DateLiteral(value, value.GetMilliseconds() < 1 ? TimeLiteral::Seconds : TimeLiteral::Milliseconds);
@@ -616,6 +706,7 @@ void DataValue::Accept(DataValueInspector& inspector) const
         inspector.InspectTuple(RefCntPtr<Tuple, RefCntObject>(const_cast<Tuple*>(TupleOf(*this))));
         return;
     case DataType::String:
+        inspector.InspectString(GetCollation(), GetString());
         return;
     case DataType::Unknown:
     case DataType::Binary:

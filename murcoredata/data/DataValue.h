@@ -35,9 +35,15 @@
 // are ordered against each other through double, so 1 and 1.0 are neither equal nor
 // ordered; real equality is bitwise (-0.0 != 0.0, a NaN equals a NaN with the same bits);
 // precision and scale play no part in equality or in the hash of a real.
+//
+// Strings, tuples and shapes are values of their objects: two of them are equal when their
+// objects are (a string by its collation, so "abc" may equal "ABC"), and they hash as their
+// objects do. Two binaries are equal only when they share their object. An invalid DateTime
+// is never stored: it becomes a null Date or DateTime.
 
 #include "murcoredata/data/DataValueInspector.h"
 #include "murcoredata/data/DateTime.h"
+#include "murcoredata/data/StringWithCollation.h"
 #include "murcoredata/data/Time.h"
 #include "murcoredata/foundation/Export.h"
 #include "murcoredata/foundation/RefCnt.h"
@@ -139,6 +145,13 @@ public:
     DataValue(const DateTime& value, DataType type);
     /// Always a Time: `type` is accepted and ignored.
     DataValue(const Time& value, DataType type) noexcept;
+    /// A new shared string, moved from `string`.
+    explicit DataValue(StringWithCollation&& string);
+    /// Shares the string; throws for a null pointer.
+    explicit DataValue(const RefCntPtr<StringWithCollation, RefCntObject>& string);
+    /// A new shared string of `text` under `collation`.
+    DataValue(const Collation& collation, const TString& text);
+    DataValue(Collation&& collation, TString&& text);
     /// `SetTuple`: throws for a null pointer.
     explicit DataValue(RefCntPtr<Tuple, RefCntObject> tuple);
     /// `SetSpatial`: throws for an empty pointer.
@@ -159,6 +172,8 @@ public:
     /// A real without decimals.
     static DataValue FromDouble(double value) noexcept;
     static DataValue FromInt(long long value) noexcept;
+    /// A string under the unknown collation.
+    static DataValue FromString(const TString& text);
     /// `SetDate` and `SetDatetime` of a new value.
     static DataValue FromDate(DateTime value) noexcept;
     static DataValue FromDateTime(DateTime value) noexcept;
@@ -184,6 +199,14 @@ public:
     /// An invalid `value` gives a null DateTime.
     void SetDatetime(DateTime value) noexcept;
     void SetTime(Time value) noexcept;
+    /// A new shared string (its count starts at one), moved from `string` or made of
+    /// `text` under `collation`.
+    void SetString(StringWithCollation&& string);
+    void SetString(const Collation& collation, const TString& text);
+    /// Shares the string; throws for a null pointer, leaving the value as it was.
+    void SetString(const RefCntPtr<StringWithCollation, RefCntObject>& string);
+    /// Takes the reference over and leaves `string` null; throws for a null pointer.
+    void SetString(RefCntPtr<StringWithCollation, RefCntObject>&& string);
     /// Shares the tuple; throws for a null pointer, leaving the value as it was.
     void SetTuple(RefCntPtr<Tuple, RefCntObject> tuple);
     /// Shares the binary object; throws for a null pointer, leaving the value as it was.
@@ -228,6 +251,10 @@ public:
     DateTime GetDate() const;
     DateTime GetDatetime() const;
     Time GetTime() const;
+    /// The text of a string; a special gives an empty text.
+    const TString& GetString() const;
+    /// `GetString().constData()`.
+    const char16_t* GetStringRaw() const { return GetString().constData(); }
     /// A new reference on the value's object, null for a special.
     RefCntPtr<Tuple, RefCntObject> GetTuple() const;
     RefCntPtr<BinaryDataValue, RefCntObject> GetBinary() const;
@@ -240,6 +267,8 @@ public:
     /// The payload read as a binary object, whatever the type says.
     RefCntPtr<BinaryDataValue, RefCntObject> GetBinaryUnchecked() const;
 
+    /// The collation of a string that holds its object; the unknown collation for anything else.
+    const Collation& GetCollation() const noexcept;
     /// The ordinal of a string that holds its object; -2 for anything else.
     int GetOrdinal() const noexcept { return m_type == DataType::String && m_payload != 0 ? int(m_ordinal) : -2; }
 
@@ -263,12 +292,15 @@ public:
     //===------------------------------------------------------------------===//
 
     /// The calculation-language literal: 42, 3. (a real always shows a point unless it has
-    /// an exponent or is nan or inf), true, NULL for a null of any type. Kinds without a
-    /// literal give the empty text; a special other than Null is a logic error.
+    /// an exponent or is nan or inf), true, "a""b" (a string in double quotes, its double
+    /// quotes doubled), #2021-03-04#, #2021-03-04 10:20:30# (with .SSS from a millisecond
+    /// on), 'Point' (a shape by its shape type), NULL for a null of any type. Tuples, times,
+    /// binaries and Unknown give the empty text; a special other than Null is a logic error.
     TString FormatAsLiteral() const;
     /// "INTEGER", "REAL", ... for the types 0 to 7, "UNKNOWN(n)" for every other number.
     static TString DataTypeToString(DataType type);
     /// Calls the one operation of `inspector` that fits the value, or none (Unknown, Binary).
+    /// A tuple goes to `InspectTuple` whole; `Tuple::Accept` visits its members.
     void Accept(DataValueInspector& inspector) const;
 
     //===------------------------------------------------------------------===//
@@ -352,6 +384,13 @@ private:
     {
         return reinterpret_cast<const RefCntObject*>(static_cast<uintptr_t>(m_payload));
     }
+    // The string of a String value that holds one.
+    const StringWithCollation* GetStringObject() const noexcept
+    {
+        return static_cast<const StringWithCollation*>(GetCountedObject());
+    }
+    // What `GetString` gives for a string without an object: one empty text for all.
+    static const TString& GetEmptyString() noexcept;
     // Makes an ordinary value of a counted type that takes over one reference on `object`
     // (not null). Releases what the value held first.
     void AdoptCountedObject(DataType type, const RefCntObject* object) noexcept;
@@ -382,11 +421,13 @@ static_assert(std::is_nothrow_move_constructible<DataValue>::value && std::is_no
               "containers must be able to move values");
 
 //===----------------------------------------------------------------------===//
-// Comparison. Equality: same type, same special, same payload bits. Order:
+// Comparison. Equality: same type, same special, then the same payload bits, or for a
+// string, tuple or shape equal objects. Order:
 //  - same type, different specials: a Null is below any other special; otherwise the
 //    specials compare as signed numbers;
 //  - same type and special: integers signed, reals by IEEE less-than (a NaN is never less
-//    nor greater), booleans, dates and times unsigned; Unknown, Binary and types above Time
+//    nor greater), booleans, dates and times unsigned; strings and tuples by their objects
+//    (a null string first); shapes by their hashes; Unknown, Binary and types above Time
 //    are never less;
 //  - an Integer against a Real: the integer as a double against the real, specials
 //    ignored (a null integer counts as 0);
@@ -416,7 +457,8 @@ MURCOREDATA_EXPORT std::string toPrintableString(const TString& text);
 /// Writes `toPrintableString(value.FormatAsLiteral())`.
 MURCOREDATA_EXPORT std::ostream& operator<<(std::ostream& out, const DataValue& value);
 
-/// 42_dv is an integer, 2.5_dv a real without decimals.
+/// 42_dv is an integer, 2.5_dv a real without decimals, u"text"_dv a string under the
+/// unknown collation.
 inline DataValue operator""_dv(unsigned long long value) noexcept
 {
     return DataValue::FromInt(static_cast<long long>(value));
@@ -424,6 +466,10 @@ inline DataValue operator""_dv(unsigned long long value) noexcept
 inline DataValue operator""_dv(long double value) noexcept
 {
     return DataValue::FromDouble(static_cast<double>(value));
+}
+inline DataValue operator""_dv(const char16_t* text, size_t length)
+{
+    return DataValue::FromString(TString(text, static_cast<int>(length)));
 }
 
 namespace std {
@@ -682,6 +728,18 @@ inline Time DataValue::GetTime() const
     return GetTimeUnchecked();
 }
 
+inline const TString& DataValue::GetString() const
+{
+    if (m_type != DataType::String)
+        RaiseIncorrectDataType(DataType::String, m_type);
+    return m_payload != 0 ? GetStringObject()->GetString() : GetEmptyString();
+}
+
+inline const Collation& DataValue::GetCollation() const noexcept
+{
+    return m_type == DataType::String && m_payload != 0 ? GetStringObject()->GetCollation() : GetUnknownCollation();
+}
+
 inline bool DataValue::GetBool() const
 {
     if (m_type != DataType::Boolean)
@@ -713,13 +771,13 @@ inline uint32_t DataValue::Hash() const
     if (m_type == DataType::Real)
         return THash32(&m_payload, sizeof m_payload, Implementation::kRealTypeHashSeed);
     if (HasObjectValue(m_type) && m_payload != 0)
-        return HashObject();
+        return m_type == DataType::String ? GetStringObject()->GetHash() : HashObject();
     return THash32(this, sizeof(DataValue), Implementation::kDataValueHashSeed);
 #else
     if (m_type == DataType::Real)
         return Implementation::THash32Of8Bytes(m_payload, Implementation::kRealTypeHashSeed);
     if (HasObjectValue(m_type) && m_payload != 0)
-        return HashObject();
+        return m_type == DataType::String ? GetStringObject()->GetHash() : HashObject();
     return Implementation::THash32Of16Bytes(GetHeaderWord(), m_payload, Implementation::kDataValueHashSeed);
 #endif
 }

@@ -1,7 +1,9 @@
 // The kinds of DataValue that hold dates, times, strings, tuples, binaries and shapes.
 
 #include "murcoredata/data/BinaryDataValue.h"
+#include "murcoredata/data/Collation.h"
 #include "murcoredata/data/DataValue.h"
+#include "murcoredata/data/StringWithCollation.h"
 #include "murcoredata/data/RecordingInspector_test.h"
 #include "murcoredata/data/Tuple.h"
 #include "murcoredata/foundation/AllocationCounter_test.h"
@@ -11,10 +13,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <functional>
 #include <mutex>
 #include <sstream>
+#include <thread>
 #include <vector>
 
 using Special = DataValueTypes::Special;
@@ -45,6 +50,24 @@ std::vector<DataValue> Ints(std::initializer_list<long long> numbers)
     for (long long n : numbers)
         values.emplace_back(n);
     return values;
+}
+
+// en_US at tertiary strength, the same without case, and code-unit order.
+const Collation& English()
+{
+    static const Collation s_collation(u"LEN_RUS");
+    return s_collation;
+}
+
+const Collation& EnglishIgnoringCase()
+{
+    static const Collation s_collation(u"LEN_RUS_S2");
+    return s_collation;
+}
+
+DataValue Text(const char16_t* text, const Collation& collation = English())
+{
+    return DataValue(collation, TString(text));
 }
 
 DataValue TupleValue(std::initializer_list<long long> numbers)
@@ -124,6 +147,9 @@ TEST(DataValueObjects, HeadersOfTheObjectKinds)
         {"tuple", TupleValue({1}), {6, 0, 0xFF, 0xFF, 0, 0, 0, 0}},
         {"spatial", DataValue(Shape("POINT (1 2)")), {7, 0, 0xFF, 0xFF, 0, 0, 0, 0}},
         {"binary", DataValue(makeRefCnt<BinaryDataValue>()), {9, 0, 0xFF, 0xFF, 0, 0, 0, 0}},
+        // A string has no place in a sorted domain yet: ordinal -2.
+        {"string", Text(u"abc"), {2, 0, 0xFF, 0xFF, 0xFE, 0xFF, 0xFF, 0xFF}},
+        {"null string", DataValue(Special::Null, DataType::String), {2, 1, 0xFF, 0xFF, 0, 0, 0, 0}},
         {"invalid date", DataValue::FromDate(DateTime::FromValue(0)), {5, 1, 0xFF, 0xFF, 0, 0, 0, 0}},
         {"invalid datetime", DataValue::FromDateTime(DateTime::FromValue(0)), {3, 1, 0xFF, 0xFF, 0, 0, 0, 0}},
     };
@@ -250,6 +276,202 @@ TEST(DataValueObjects, CheckedGettersOfTheNewKinds)
     // The special is not looked at.
     EXPECT_FALSE(DataValue(Special::Null, DataType::Binary).GetBinary());
     EXPECT_FALSE(DataValue(Special::Missing, DataType::Spatial).GetSpatial());
+}
+
+//===----------------------------------------------------------------------===//
+// Strings
+//===----------------------------------------------------------------------===//
+
+TEST(DataValueObjects, StringsAreMadeInEveryWay)
+{
+    const DataValue fromParts(English(), TString(u"abc"));
+    EXPECT_EQ(fromParts.GetType(), DataType::String);
+    EXPECT_EQ(fromParts.GetString(), TString(u"abc"));
+    EXPECT_EQ(fromParts.GetCollation(), English());
+    EXPECT_EQ(TString(fromParts.GetStringRaw()), TString(u"abc"));
+
+    Collation collation = EnglishIgnoringCase();
+    TString text(u"moved");
+    const DataValue fromMoved(std::move(collation), std::move(text));
+    EXPECT_EQ(fromMoved.GetString(), TString(u"moved"));
+    EXPECT_EQ(fromMoved.GetCollation(), EnglishIgnoringCase());
+
+    const DataValue fromObject(StringWithCollation(TString(u"obj"), English()));
+    EXPECT_EQ(fromObject.GetString(), TString(u"obj"));
+
+    // The unknown collation for the makers.
+    const DataValue made = DataValue::FromString(TString(u"plain"));
+    EXPECT_EQ(made.GetCollation(), GetUnknownCollation());
+    EXPECT_EQ(made.GetCollation().GetName(), TString(u"LROOT"));
+    const DataValue literal = u"plain"_dv;
+    EXPECT_EQ(literal, made);
+    EXPECT_EQ(literal.GetCollation(), GetUnknownCollation());
+    // The literal is counted: a NUL inside is kept.
+    EXPECT_EQ(u"a\0b"_dv.GetString().size(), 3);
+
+    DataValue v(5);
+    v.SetString(English(), TString(u"set"));
+    EXPECT_EQ(v, Text(u"set"));
+    v.SetString(StringWithCollation(TString(u"again"), English()));
+    EXPECT_EQ(v.GetString(), TString(u"again"));
+}
+
+TEST(DataValueObjects, StringValuesShareTheirObject)
+{
+    RefCntPtr<StringWithCollation> string = makeRefCnt<StringWithCollation>(TString(u"shared"), English());
+    {
+        const DataValue a(string);
+        EXPECT_EQ(string->GetReferenceCount(), 2);
+        DataValue b(5);
+        b.SetString(string);
+        EXPECT_EQ(string->GetReferenceCount(), 3);
+        b.SetString(string); // the same object again
+        EXPECT_EQ(string->GetReferenceCount(), 3);
+        DataValue c;
+        RefCntPtr<StringWithCollation> handed = string;
+        c.SetString(std::move(handed));
+        EXPECT_FALSE(handed);
+        EXPECT_EQ(string->GetReferenceCount(), 4);
+        EXPECT_EQ(c.GetString(), TString(u"shared"));
+    }
+    EXPECT_EQ(string->GetReferenceCount(), 1);
+    // A new object from SetString(StringWithCollation&&) starts with the value's one reference.
+    DataValue d(StringWithCollation(TString(u"own"), English()));
+    DataValue e(d);
+    e.SetInt(1);
+    EXPECT_EQ(d.GetString(), TString(u"own"));
+}
+
+TEST(DataValueObjects, NullStringPointersAreRefused)
+{
+    DataValue v(7);
+    const auto shared = Caught([&] { v.SetString(RefCntPtr<StringWithCollation>()); });
+    ExpectFailure(*shared, u"DataValue::SetString: bad argument", 0xE188009Fu, 4);
+    const RefCntPtr<StringWithCollation> none;
+    const auto copied = Caught([&] { v.SetString(none); });
+    ExpectFailure(*copied, u"DataValue::SetString: bad argument", 0xE188009Eu, 4);
+    EXPECT_EQ(copied->GetErrorInfo().GetError().GetName(), TString(u"MurvaneException_AutoGen_0xE188009E"));
+    EXPECT_EQ(v, DataValue(7));
+    const auto made = Caught([&] { DataValue w(none); });
+    ExpectFailure(*made, u"DataValue::SetString: bad argument", 0xE188009Eu, 4);
+}
+
+TEST(DataValueObjects, StringGetters)
+{
+    // A null string reads as one shared empty text.
+    const DataValue nullString(Special::Null, DataType::String);
+    EXPECT_TRUE(nullString.GetString().isEmpty());
+    EXPECT_EQ(&nullString.GetString(), &DataValue(Special::Missing, DataType::String).GetString());
+    EXPECT_EQ(nullString.GetCollation(), GetUnknownCollation());
+    EXPECT_EQ(DataValue(5).GetCollation(), GetUnknownCollation());
+
+    ExpectFailure(*Caught([] { (void)DataValue(5).GetString(); }),
+                  u"Incorrect data type integer, getting expected string type.", 0xCA8336D0u, 1);
+    ExpectFailure(*Caught([] { (void)DataValue(Special::Null, DataType::Date).GetStringRaw(); }),
+                  u"Incorrect data type date, getting expected string type.", 0xCA8336D0u, 1);
+    ExpectFailure(*Caught([] { (void)Text(u"x").GetInt(); }), u"Incorrect data type string, getting expected integer type.",
+                  0xCA8336D0u, 1);
+}
+
+TEST(DataValueObjects, OrdinalsOfStrings)
+{
+    DataValue s = Text(u"abc");
+    EXPECT_EQ(s.GetOrdinal(), -2);
+    s.SetOrdinal(5);
+    EXPECT_EQ(s.GetOrdinal(), 5);
+    EXPECT_EQ(s.GetString(), TString(u"abc"));
+    // The ordinal is no part of equality or hash.
+    ExpectEqual(s, Text(u"abc"));
+    // A copy keeps it; a new string starts without.
+    EXPECT_EQ(DataValue(s).GetOrdinal(), 5);
+    s.SetString(English(), TString(u"new"));
+    EXPECT_EQ(s.GetOrdinal(), -2);
+    s.SetOrdinal(-7);
+    EXPECT_EQ(s.GetOrdinal(), -7);
+}
+
+TEST(DataValueObjects, StringsCompareByTheirCollation)
+{
+    ExpectEqual(Text(u"abc"), Text(u"abc"));
+    EXPECT_NE(Text(u"abc"), Text(u"ABC"));
+    // Case-insensitive: equal, and so hashed alike.
+    ExpectEqual(Text(u"abc", EnglishIgnoringCase()), Text(u"ABC", EnglishIgnoringCase()));
+    // Equal texts under collations that are not equivalent are unequal.
+    EXPECT_NE(Text(u"abc"), Text(u"abc", GetBinaryCollation()));
+    // The hash is the string's.
+    const DataValue s = Text(u"hash me");
+    const StringWithCollation object(TString(u"hash me"), English());
+    EXPECT_EQ(s.Hash(), object.GetHash());
+    EXPECT_NE(s.Hash(), DataValue(Special::Null, DataType::String).Hash());
+
+    // Order: the collation's, not code units'.
+    ExpectOrdered(Text(u"a"), Text(u"B"));
+    ExpectOrdered(Text(u"B", GetBinaryCollation()), Text(u"a", GetBinaryCollation()));
+    ExpectOrdered(Text(u"cote"), Text(u"c\u00F4te"));
+    // A null string first, then the strings, then the other specials of the type.
+    ExpectOrdered(DataValue(Special::Null, DataType::String), Text(u""));
+    ExpectOrdered(Text(u"zzz"), DataValue(Special::All, DataType::String));
+    // Strings sort between reals and date-times by their type number.
+    ExpectOrdered(DataValue::FromDouble(1e300), Text(u""));
+    ExpectOrdered(Text(u"zzz"), DataValue(Special::Null, DataType::DateTime));
+
+    std::vector<DataValue> values = {Text(u"pear"), Text(u"Apple"), DataValue(Special::Null, DataType::String),
+                                     Text(u"apple"), Text(u"\u00C9clair"), Text(u"banana")};
+    std::sort(values.begin(), values.end());
+    std::vector<std::string> sorted;
+    for (const DataValue& v : values)
+        sorted.push_back(v.FormatAsLiteral().toStdString());
+    const std::vector<std::string> expected = {"NULL", "\"apple\"", "\"Apple\"", "\"banana\"", "\"\u00C9clair\"", "\"pear\""};
+    EXPECT_EQ(sorted, expected);
+}
+
+TEST(DataValueObjects, MovingOutOfANullString)
+{
+    DataValue source(Special::Null, DataType::String);
+    const DataValue target(std::move(source));
+    EXPECT_EQ(source.GetType(), DataType::Unknown);
+    EXPECT_TRUE(source.IsNull());
+    EXPECT_EQ(target, DataValue(Special::Null, DataType::String));
+
+    DataValue full = Text(u"full");
+    DataValue taken(std::move(full));
+    EXPECT_EQ(full.GetType(), DataType::Unknown);
+    EXPECT_EQ(taken.GetString(), TString(u"full"));
+}
+
+TEST(DataValueObjects, StringLiterals)
+{
+    struct Row
+    {
+        const char16_t* text;
+        const char16_t* literal;
+    } rows[] = {
+        {u"abc", u"\"abc\""},
+        {u"", u"\"\""},
+        {u"a\"b", u"\"a\"\"b\""},
+        {u"\"", u"\"\"\"\""},
+        {u"\"\"", u"\"\"\"\"\"\""},
+        // Only double quotes are doubled.
+        {u"it's", u"\"it's\""},
+        {u"tab\there", u"\"tab\there\""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(TString(row.literal).toStdString());
+        EXPECT_EQ(Text(row.text).FormatAsLiteral(), TString(row.literal));
+    }
+    // a, double quote, b: six characters.
+    EXPECT_EQ(Text(u"a\"b").FormatAsLiteral().size(), 6);
+    EXPECT_EQ(DataValue(Special::Null, DataType::String).FormatAsLiteral(), TString(u"NULL"));
+    std::ostringstream out;
+    out << Text(u"a\"b");
+    EXPECT_EQ(out.str(), "\"\\\"a\\\"\\\"b\\\"\"");
+}
+
+TEST(DataValueObjects, StringImages)
+{
+    EXPECT_EQ(BinaryDataValue(Text(u"abc")).GetValue(), (std::vector<char>{3, 0, 0, 0, 'a', 'b', 'c'}));
+    EXPECT_EQ(BinaryDataValue(Text(u"")).GetValue(), (std::vector<char>{0, 0, 0, 0}));
+    EXPECT_EQ(BinaryDataValue(DataValue(Special::Null, DataType::String)).GetValue(), (std::vector<char>{0, 0, 0, 0}));
 }
 
 //===----------------------------------------------------------------------===//
@@ -475,6 +697,10 @@ TEST(DataValueObjects, TheInspectorSeesEveryKind)
         DataValue value;
         std::vector<std::string> calls;
     } rows[] = {
+        {Text(u"abc"), {"string abc / LEN_RUS"}},
+        {Text(u"", EnglishIgnoringCase()), {"string  / LEN_RUS_S2"}},
+        {u"x"_dv, {"string x / LROOT"}},
+        {DataValue(Special::Null, DataType::String), {"special 1 of 2"}},
         {DataValue::FromDate(day), {"date " + std::to_string(day.GetRepresentation())}},
         {DataValue::FromDateTime(moment), {"datetime " + std::to_string(moment.GetRepresentation())}},
         {DataValue(Time(0, 0, 1, 5u), DataType::Time), {"time 1000005"}},
@@ -511,7 +737,7 @@ TEST(DataValueObjects, TheInspectorSeesEveryKind)
 
 TEST(DataValueObjects, CopyingACountedValueAllocatesNothing)
 {
-    const DataValue values[] = {TupleValue({1, 2}), DataValue(makeRefCnt<BinaryDataValue>("ab", 2)),
+    const DataValue values[] = {Text(u"a string"), TupleValue({1, 2}), DataValue(makeRefCnt<BinaryDataValue>("ab", 2)),
                                 DataValue::FromDate(At(2021, 3, 4)), DataValue(Time(1, 0, 0, 0u), DataType::Time)};
     for (const DataValue& value : values) {
         SCOPED_TRACE(int(value.GetType()));
@@ -522,5 +748,85 @@ TEST(DataValueObjects, CopyingACountedValueAllocatesNothing)
             DataValue moved(std::move(copy));
         });
         EXPECT_EQ(allocations, 0u);
+    }
+}
+
+TEST(DataValueObjects, CopyingAStringTakesOneReference)
+{
+    const RefCntPtr<StringWithCollation> handle = makeRefCnt<StringWithCollation>(TString(u"counted"), English());
+    const DataValue a(handle);
+    EXPECT_EQ(handle->GetReferenceCount(), 2);
+    {
+        DataValue b(a);
+        EXPECT_EQ(handle->GetReferenceCount(), 3);
+        DataValue c;
+        c = b;
+        EXPECT_EQ(handle->GetReferenceCount(), 4);
+        DataValue d(std::move(c));
+        EXPECT_EQ(handle->GetReferenceCount(), 4);
+    }
+    EXPECT_EQ(handle->GetReferenceCount(), 2);
+}
+
+//===----------------------------------------------------------------------===//
+// Threads
+//===----------------------------------------------------------------------===//
+
+// Shared strings and tuples, copied, hashed, compared and destroyed from several threads at
+// once. The objects are fresh, so the first hashes race too; every thread must see the
+// numbers and answers of twins made apart on this thread.
+TEST(DataValueObjects, ThreadsShareStringsAndTuples)
+{
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 200;
+    const char16_t* texts[] = {u"apple", u"Apple", u"\u00E9clair", u"zebra", u"", u"a\"b"};
+
+    auto makeValues = [&] {
+        std::vector<DataValue> values;
+        for (const char16_t* text : texts)
+            values.push_back(Text(text));
+        for (const char16_t* text : texts)
+            values.push_back(Text(text, EnglishIgnoringCase()));
+        for (long long n = 0; n < 4; ++n) {
+            std::vector<DataValue> members = {DataValue(n), Text(texts[n])};
+            members.push_back(DataValue(makeRefCnt<Tuple>(Ints({n, n + 1}))));
+            values.emplace_back(makeRefCnt<Tuple>(std::move(members)));
+        }
+        return values;
+    };
+    const std::vector<DataValue> twins = makeValues();
+    std::vector<uint32_t> hashes;
+    for (const DataValue& v : twins)
+        hashes.push_back(v.Hash());
+    std::vector<std::vector<bool>> less(twins.size(), std::vector<bool>(twins.size()));
+    for (size_t i = 0; i < twins.size(); ++i)
+        for (size_t j = 0; j < twins.size(); ++j)
+            less[i][j] = twins[i] < twins[j];
+
+    for (int round = 0; round < 5; ++round) {
+        const std::vector<DataValue> shared = makeValues();
+        std::atomic<int> wrong{0};
+        std::vector<std::thread> threads;
+        for (int t = 0; t < kThreads; ++t) {
+            threads.emplace_back([&, t] {
+                for (int r = 0; r < kRounds; ++r) {
+                    const size_t i = size_t(t + r) % shared.size();
+                    const size_t j = size_t(t * 7 + r * 3) % shared.size();
+                    std::vector<DataValue> copies = {shared[i], shared[j]};
+                    if (copies[0].Hash() != hashes[i] || shared[j].Hash() != hashes[j])
+                        ++wrong;
+                    if (!(copies[0] == twins[i]) || (copies[0] < copies[1]) != less[i][j])
+                        ++wrong;
+                    DataValue assigned;
+                    assigned = copies[1];
+                    copies.clear();
+                    if (!(assigned == shared[j]))
+                        ++wrong;
+                }
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        ASSERT_EQ(wrong.load(), 0) << round;
     }
 }
