@@ -829,6 +829,10 @@ inline bool operator<(const DataValue& a, const DataValue& b)
         return a.GetIntUnchecked() < b.GetIntUnchecked();
     if (tagA == unsigned(DataType::Real) && tagB == unsigned(DataType::Real))
         return a.GetRealUnchecked() < b.GetRealUnchecked();
+    // Two ordinary strings go straight to their objects, which every such value holds.
+    if (tagA == unsigned(DataType::String) && tagB == unsigned(DataType::String) && a.m_payload != 0 &&
+        b.m_payload != 0)
+        return *a.GetStringObject() < *b.GetStringObject();
     return Implementation::DataValueLess(a, b);
 }
 
