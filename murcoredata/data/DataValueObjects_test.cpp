@@ -511,6 +511,16 @@ TEST(DataValueObjects, TupleValuesCompareTheirTuples)
     ExpectOrdered(DataValue(Special::Null, DataType::Date), TupleValue({1}));
 }
 
+TEST(DataValueObjects, TuplesOfStringsFollowTheCollation)
+{
+    auto pair = [](const char16_t* text) {
+        return DataValue(makeRefCnt<Tuple>(std::vector<DataValue>{DataValue(1), Text(text, EnglishIgnoringCase())}));
+    };
+    ExpectEqual(pair(u"abc"), pair(u"ABC"));
+    ExpectOrdered(pair(u"abc"), pair(u"abd"));
+    EXPECT_NE(pair(u"abc"), pair(u"abd"));
+}
+
 TEST(DataValueObjects, TupleFailures)
 {
     DataValue v(7);
