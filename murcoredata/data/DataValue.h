@@ -35,8 +35,16 @@
 // are ordered against each other through double, so 1 and 1.0 are neither equal nor
 // ordered; real equality is bitwise (-0.0 != 0.0, a NaN equals a NaN with the same bits);
 // precision and scale play no part in equality or in the hash of a real.
+//
+// Strings, tuples and shapes are values of their objects: two of them are equal when their
+// objects are (a string by its collation, so "abc" may equal "ABC"), and they hash as their
+// objects do. Two binaries are equal only when they share their object. An invalid DateTime
+// is never stored: it becomes a null Date or DateTime.
 
 #include "murcoredata/data/DataValueInspector.h"
+#include "murcoredata/data/DateTime.h"
+#include "murcoredata/data/StringWithCollation.h"
+#include "murcoredata/data/Time.h"
 #include "murcoredata/foundation/Export.h"
 #include "murcoredata/foundation/RefCnt.h"
 #include "murcoredata/foundation/THash.h"
@@ -50,6 +58,8 @@
 #include <memory>
 #include <string>
 #include <type_traits>
+
+class BinaryDataValue;
 
 #ifndef MURCOREDATA_LIKELY
 #  if defined(__GNUC__) || defined(__clang__)
@@ -131,6 +141,23 @@ public:
     explicit DataValue(long long value) noexcept;
     /// A real with decimal precision and scale; -1 for either means absent.
     DataValue(double value, signed char precision, signed char scale) noexcept;
+    /// A Date (`SetDate`) or a DateTime (`SetDatetime`); any other type is a logic error.
+    DataValue(const DateTime& value, DataType type);
+    /// Always a Time: `type` is accepted and ignored.
+    DataValue(const Time& value, DataType type) noexcept;
+    /// A new shared string, moved from `string`.
+    explicit DataValue(StringWithCollation&& string);
+    /// Shares the string; throws for a null pointer.
+    explicit DataValue(const RefCntPtr<StringWithCollation, RefCntObject>& string);
+    /// A new shared string of `text` under `collation`.
+    DataValue(const Collation& collation, const TString& text);
+    DataValue(Collation&& collation, TString&& text);
+    /// `SetTuple`: throws for a null pointer.
+    explicit DataValue(RefCntPtr<Tuple, RefCntObject> tuple);
+    /// `SetSpatial`: throws for an empty pointer.
+    explicit DataValue(std::shared_ptr<const murgeo::Spatial> spatial);
+    /// `SetBinary`: throws for a null pointer.
+    explicit DataValue(RefCntPtr<BinaryDataValue, RefCntObject> binary);
     /// A pointer would otherwise be taken for a `bool`.
     template <typename T>
     DataValue(T*) = delete;
@@ -145,6 +172,11 @@ public:
     /// A real without decimals.
     static DataValue FromDouble(double value) noexcept;
     static DataValue FromInt(long long value) noexcept;
+    /// A string under the unknown collation.
+    static DataValue FromString(const TString& text);
+    /// `SetDate` and `SetDatetime` of a new value.
+    static DataValue FromDate(DateTime value) noexcept;
+    static DataValue FromDateTime(DateTime value) noexcept;
 
     //===------------------------------------------------------------------===//
     // Setters. Each releases what the value held, then writes the whole header.
@@ -161,6 +193,31 @@ public:
     /// Null of the current type; throws on a tuple.
     void SetNull();
     void SetNull(DataType type);
+
+    /// The date of `value` (any time of day is dropped); an invalid `value` gives a null Date.
+    void SetDate(DateTime value) noexcept;
+    /// An invalid `value` gives a null DateTime.
+    void SetDatetime(DateTime value) noexcept;
+    void SetTime(Time value) noexcept;
+    /// A new shared string (its count starts at one), moved from `string` or made of
+    /// `text` under `collation`.
+    void SetString(StringWithCollation&& string);
+    void SetString(const Collation& collation, const TString& text);
+    /// Shares the string; throws for a null pointer, leaving the value as it was.
+    void SetString(const RefCntPtr<StringWithCollation, RefCntObject>& string);
+    /// Takes the reference over and leaves `string` null; throws for a null pointer.
+    void SetString(RefCntPtr<StringWithCollation, RefCntObject>&& string);
+    /// Shares the tuple; throws for a null pointer, leaving the value as it was.
+    void SetTuple(RefCntPtr<Tuple, RefCntObject> tuple);
+    /// Shares the binary object; throws for a null pointer, leaving the value as it was.
+    void SetBinary(RefCntPtr<BinaryDataValue, RefCntObject> binary);
+    /// Keeps the pointer in a box of this value's own; throws for an empty pointer, leaving
+    /// the value as it was. `SetSpatialOrNull` makes a null of an empty pointer instead.
+    void SetSpatial(std::shared_ptr<const murgeo::Spatial> spatial);
+    /// The position of a string in a sorted domain. Only a string that holds its object has
+    /// one: anything else, a null string included, raises the incorrect-type failure
+    /// (setting variant). The string itself is not touched.
+    void SetOrdinal(int ordinal);
 
     //===------------------------------------------------------------------===//
     // Accessors. Checked getters test the type and nothing else: the integer getter of
@@ -189,6 +246,32 @@ public:
     /// The payload word as it stands, whatever the kind.
     uint64_t GetAny() const noexcept { return m_payload; }
 
+    /// Dates and times read the payload back; a zero payload (a special) gives the default
+    /// `DateTime` (1899-12-30) or `Time` (midnight).
+    DateTime GetDate() const;
+    DateTime GetDatetime() const;
+    Time GetTime() const;
+    /// The text of a string; a special gives an empty text.
+    const TString& GetString() const;
+    /// `GetString().constData()`.
+    const char16_t* GetStringRaw() const { return GetString().constData(); }
+    /// A new reference on the value's object, null for a special.
+    RefCntPtr<Tuple, RefCntObject> GetTuple() const;
+    RefCntPtr<BinaryDataValue, RefCntObject> GetBinary() const;
+    /// A copy of the pointer in the box; empty for a special.
+    std::shared_ptr<const murgeo::Spatial> GetSpatial() const;
+
+    DateTime GetDateUnchecked() const noexcept { return m_payload == 0 ? DateTime() : DateTime::FromValue(m_payload); }
+    DateTime GetDatetimeUnchecked() const noexcept { return GetDateUnchecked(); }
+    Time GetTimeUnchecked() const noexcept { return m_payload == 0 ? Time() : Time(m_payload); }
+    /// The payload read as a binary object, whatever the type says.
+    RefCntPtr<BinaryDataValue, RefCntObject> GetBinaryUnchecked() const;
+
+    /// The collation of a string that holds its object; the unknown collation for anything else.
+    const Collation& GetCollation() const noexcept;
+    /// The ordinal of a string that holds its object; -2 for anything else.
+    int GetOrdinal() const noexcept { return m_type == DataType::String && m_payload != 0 ? int(m_ordinal) : -2; }
+
     /// The stored field for a Real, -1 for any other type.
     int GetPrecision() const noexcept { return m_type == DataType::Real ? int(m_precision) : -1; }
     int GetScale() const noexcept { return m_type == DataType::Real ? int(m_scale) : -1; }
@@ -199,8 +282,9 @@ public:
     // Hashing. Comparison operators are free functions below the class.
     //===------------------------------------------------------------------===//
 
-    /// 32 bits. A real hashes its type byte and its payload only, so a null real and 0.0
-    /// collide; every other value hashes all sixteen bytes.
+    /// 32 bits. A string, tuple or spatial value hashes its object, so that equal objects
+    /// hash alike. A real hashes its type byte and its payload only, so a null real and 0.0
+    /// collide; every other value (binaries and specials included) hashes all sixteen bytes.
     uint32_t Hash() const;
 
     //===------------------------------------------------------------------===//
@@ -208,12 +292,15 @@ public:
     //===------------------------------------------------------------------===//
 
     /// The calculation-language literal: 42, 3. (a real always shows a point unless it has
-    /// an exponent or is nan or inf), true, NULL for a null of any type. Kinds without a
-    /// literal give the empty text; a special other than Null is a logic error.
+    /// an exponent or is nan or inf), true, "a""b" (a string in double quotes, its double
+    /// quotes doubled), #2021-03-04#, #2021-03-04 10:20:30# (with .SSS from a millisecond
+    /// on), 'Point' (a shape by its shape type), NULL for a null of any type. Tuples, times,
+    /// binaries and Unknown give the empty text; a special other than Null is a logic error.
     TString FormatAsLiteral() const;
     /// "INTEGER", "REAL", ... for the types 0 to 7, "UNKNOWN(n)" for every other number.
     static TString DataTypeToString(DataType type);
     /// Calls the one operation of `inspector` that fits the value, or none (Unknown, Binary).
+    /// A tuple goes to `InspectTuple` whole; `Tuple::Accept` visits its members.
     void Accept(DataValueInspector& inspector) const;
 
     //===------------------------------------------------------------------===//
@@ -251,6 +338,20 @@ private:
         return ((unsigned(type) < 32) & ((kOwningTypes >> (unsigned(type) & 31u)) & 1u)) != 0;
     }
 
+    // Types whose equality and hash are their object's: String, Tuple and Spatial. (Two
+    // binaries are equal only when they share their object, which the payload bits say.)
+    static constexpr unsigned kObjectValueTypes = (1u << unsigned(DataType::String)) |
+                                                  (1u << unsigned(DataType::Tuple)) |
+                                                  (1u << unsigned(DataType::Spatial));
+    static constexpr bool HasObjectValue(DataType type) noexcept
+    {
+        return ((unsigned(type) < 32) & ((kObjectValueTypes >> (unsigned(type) & 31u)) & 1u)) != 0;
+    }
+    // The slow halves of `==` and `Hash` for those types: two values with the same tag and
+    // different payloads, and a value whose payload is set.
+    bool EqualObjects(const DataValue& other) const;
+    uint32_t HashObject() const;
+
     // The value as two 64-bit words: the header (type, special, precision, scale, ordinal)
     // and the payload. Copies and swaps go word by word: two loads and two stores.
     uint64_t GetHeaderWord() const noexcept
@@ -283,6 +384,13 @@ private:
     {
         return reinterpret_cast<const RefCntObject*>(static_cast<uintptr_t>(m_payload));
     }
+    // The string of a String value that holds one.
+    const StringWithCollation* GetStringObject() const noexcept
+    {
+        return static_cast<const StringWithCollation*>(GetCountedObject());
+    }
+    // What `GetString` gives for a string without an object: one empty text for all.
+    static const TString& GetEmptyString() noexcept;
     // Makes an ordinary value of a counted type that takes over one reference on `object`
     // (not null). Releases what the value held first.
     void AdoptCountedObject(DataType type, const RefCntObject* object) noexcept;
@@ -296,6 +404,8 @@ private:
 
     // The failure of a checked getter: logs "incorrect-data-type" and throws.
     [[noreturn]] static void RaiseIncorrectDataType(DataType expected, DataType actual);
+    // The same failure for a setter that needs a kind the value is not (`SetOrdinal`).
+    [[noreturn]] static void RaiseIncorrectDataTypeForSetting(DataType expected, DataType actual);
 
     DataType m_type;
     DataValueTypes::Special m_special;
@@ -311,11 +421,13 @@ static_assert(std::is_nothrow_move_constructible<DataValue>::value && std::is_no
               "containers must be able to move values");
 
 //===----------------------------------------------------------------------===//
-// Comparison. Equality: same type, same special, same payload bits. Order:
+// Comparison. Equality: same type, same special, then the same payload bits, or for a
+// string, tuple or shape equal objects. Order:
 //  - same type, different specials: a Null is below any other special; otherwise the
 //    specials compare as signed numbers;
 //  - same type and special: integers signed, reals by IEEE less-than (a NaN is never less
-//    nor greater), booleans, dates and times unsigned; Unknown, Binary and types above Time
+//    nor greater), booleans, dates and times unsigned; strings and tuples by their objects
+//    (a null string first); shapes by their hashes; Unknown, Binary and types above Time
 //    are never less;
 //  - an Integer against a Real: the integer as a double against the real, specials
 //    ignored (a null integer counts as 0);
@@ -334,6 +446,10 @@ bool operator>=(const DataValue& a, const DataValue& b);
 /// -0.0. Other types are a logic error.
 MURCOREDATA_EXPORT DataValue operator-(DataValue value);
 
+/// `value.SetSpatial(spatial)`, or a null Spatial when `spatial` is empty: for readers whose
+/// failure to parse is an empty pointer.
+MURCOREDATA_EXPORT void SetSpatialOrNull(DataValue& value, std::shared_ptr<const murgeo::Spatial> spatial);
+
 /// An ASCII rendering for logs and debuggers: the text in double quotes, with \n \t \r \\ \"
 /// and \' escapes, printable ASCII as it is, and every other UTF-16 unit as \xHHHH.
 MURCOREDATA_EXPORT std::string toPrintableString(const TString& text);
@@ -341,7 +457,8 @@ MURCOREDATA_EXPORT std::string toPrintableString(const TString& text);
 /// Writes `toPrintableString(value.FormatAsLiteral())`.
 MURCOREDATA_EXPORT std::ostream& operator<<(std::ostream& out, const DataValue& value);
 
-/// 42_dv is an integer, 2.5_dv a real without decimals.
+/// 42_dv is an integer, 2.5_dv a real without decimals, u"text"_dv a string under the
+/// unknown collation.
 inline DataValue operator""_dv(unsigned long long value) noexcept
 {
     return DataValue::FromInt(static_cast<long long>(value));
@@ -349,6 +466,10 @@ inline DataValue operator""_dv(unsigned long long value) noexcept
 inline DataValue operator""_dv(long double value) noexcept
 {
     return DataValue::FromDouble(static_cast<double>(value));
+}
+inline DataValue operator""_dv(const char16_t* text, size_t length)
+{
+    return DataValue::FromString(TString(text, static_cast<int>(length)));
 }
 
 namespace std {
@@ -463,6 +584,11 @@ inline DataValue::DataValue(double value, signed char precision, signed char sca
     SetDecimal(value, precision, scale);
 }
 
+inline DataValue::DataValue(const Time& value, DataType) noexcept : DataValue()
+{
+    SetTime(value);
+}
+
 inline DataValue::DataValue(const DataValue& other)
 {
     SetWords(other.GetHeaderWord(), other.m_payload);
@@ -517,6 +643,20 @@ inline DataValue DataValue::FromInt(long long value) noexcept
     return v;
 }
 
+inline DataValue DataValue::FromDate(DateTime value) noexcept
+{
+    DataValue v;
+    v.SetDate(value);
+    return v;
+}
+
+inline DataValue DataValue::FromDateTime(DateTime value) noexcept
+{
+    DataValue v;
+    v.SetDatetime(value);
+    return v;
+}
+
 inline void DataValue::SetInt(long long value) noexcept
 {
     RemoveReference();
@@ -541,6 +681,63 @@ inline void DataValue::SetDecimal(double value, signed char precision, signed ch
     RemoveReference();
     WriteHeader(DataType::Real, DataValueTypes::Special::None, precision, scale, 0);
     std::memcpy(&m_payload, &value, sizeof value);
+}
+
+inline void DataValue::SetDate(DateTime value) noexcept
+{
+    RemoveReference();
+    // A valid date-time is never 0, so the payload of an ordinary date is never that of a special.
+    const bool valid = value.IsValid();
+    WriteHeader(DataType::Date, valid ? DataValueTypes::Special::None : DataValueTypes::Special::Null, -1, -1, 0);
+    m_payload = valid ? value.GetDate().GetRepresentation() : 0;
+}
+
+inline void DataValue::SetDatetime(DateTime value) noexcept
+{
+    RemoveReference();
+    const bool valid = value.IsValid();
+    WriteHeader(DataType::DateTime, valid ? DataValueTypes::Special::None : DataValueTypes::Special::Null, -1, -1, 0);
+    m_payload = valid ? value.GetRepresentation() : 0;
+}
+
+inline void DataValue::SetTime(Time value) noexcept
+{
+    RemoveReference();
+    WriteHeader(DataType::Time, DataValueTypes::Special::None, -1, -1, 0);
+    m_payload = value.GetRepresentation();
+}
+
+inline DateTime DataValue::GetDate() const
+{
+    if (m_type != DataType::Date)
+        RaiseIncorrectDataType(DataType::Date, m_type);
+    return GetDateUnchecked();
+}
+
+inline DateTime DataValue::GetDatetime() const
+{
+    if (m_type != DataType::DateTime)
+        RaiseIncorrectDataType(DataType::DateTime, m_type);
+    return GetDatetimeUnchecked();
+}
+
+inline Time DataValue::GetTime() const
+{
+    if (m_type != DataType::Time)
+        RaiseIncorrectDataType(DataType::Time, m_type);
+    return GetTimeUnchecked();
+}
+
+inline const TString& DataValue::GetString() const
+{
+    if (m_type != DataType::String)
+        RaiseIncorrectDataType(DataType::String, m_type);
+    return m_payload != 0 ? GetStringObject()->GetString() : GetEmptyString();
+}
+
+inline const Collation& DataValue::GetCollation() const noexcept
+{
+    return m_type == DataType::String && m_payload != 0 ? GetStringObject()->GetCollation() : GetUnknownCollation();
 }
 
 inline bool DataValue::GetBool() const
@@ -573,10 +770,14 @@ inline uint32_t DataValue::Hash() const
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
     if (m_type == DataType::Real)
         return THash32(&m_payload, sizeof m_payload, Implementation::kRealTypeHashSeed);
+    if (HasObjectValue(m_type) && m_payload != 0)
+        return m_type == DataType::String ? GetStringObject()->GetHash() : HashObject();
     return THash32(this, sizeof(DataValue), Implementation::kDataValueHashSeed);
 #else
     if (m_type == DataType::Real)
         return Implementation::THash32Of8Bytes(m_payload, Implementation::kRealTypeHashSeed);
+    if (HasObjectValue(m_type) && m_payload != 0)
+        return m_type == DataType::String ? GetStringObject()->GetHash() : HashObject();
     return Implementation::THash32Of16Bytes(GetHeaderWord(), m_payload, Implementation::kDataValueHashSeed);
 #endif
 }
@@ -603,7 +804,13 @@ inline void DataValue::RemoveReference() noexcept
 
 inline bool operator==(const DataValue& a, const DataValue& b)
 {
-    return a.GetTag() == b.GetTag() && a.m_payload == b.m_payload;
+    // Same tag and the same payload bits: equal for every kind (the same object, for the
+    // kinds that hold one). Otherwise only the kinds compared by their objects may be.
+    if (a.GetTag() != b.GetTag())
+        return false;
+    if (a.m_payload == b.m_payload)
+        return true;
+    return DataValue::HasObjectValue(a.m_type) && a.EqualObjects(b);
 }
 
 inline bool operator!=(const DataValue& a, const DataValue& b)
@@ -622,6 +829,10 @@ inline bool operator<(const DataValue& a, const DataValue& b)
         return a.GetIntUnchecked() < b.GetIntUnchecked();
     if (tagA == unsigned(DataType::Real) && tagB == unsigned(DataType::Real))
         return a.GetRealUnchecked() < b.GetRealUnchecked();
+    // Two ordinary strings go straight to their objects, which every such value holds.
+    if (tagA == unsigned(DataType::String) && tagB == unsigned(DataType::String) && a.m_payload != 0 &&
+        b.m_payload != 0)
+        return *a.GetStringObject() < *b.GetStringObject();
     return Implementation::DataValueLess(a, b);
 }
 
