@@ -1,6 +1,6 @@
 #include "murcoredata/foundation/CorePlatform.h"
 
-#include "murcoredata/foundation/MurvaneError.h"
+#include "murcoredata/foundation/MurErrorsError.h"
 #include "murcoredata/foundation/RefCnt.h"
 
 #include <QChar>
@@ -81,5 +81,5 @@ void ICrashNow() noexcept
 
 void reportNullPtr()
 {
-    ThrowLogicException(__FILE__, __LINE__, "RefCntPtr used while null");
+    throw LogicException(TString(u"Null pointer dereferenced"), TError::ErrorInfo(MurErrorsError::LogicAssert_0x00BF554A()));
 }

@@ -10,6 +10,11 @@ namespace MurErrorsError {
 #include "murcoredata/foundation/MurErrorsList.h"
 #undef MUR_ERROR
 
+MurvaneError LogicAssert_0x00BF554A()
+{
+    return MurvaneError::MakeError(0x00BF554Au, TStringCore(QStringLiteral("LogicException_LogicAssert_0x00BF554A")));
+}
+
 namespace {
 const Entry s_entries[] = {
 #define MUR_ERROR(prefix, kind, code) {code##u, #prefix "_" #kind "_" #code},

@@ -14,6 +14,9 @@ namespace MurErrorsError {
 #include "murcoredata/foundation/MurErrorsList.h"
 #undef MUR_ERROR
 
+/// The lower layer's own site, outside this library's table: a null `RefCntPtr` used.
+MURCOREDATA_EXPORT MurvaneError LogicAssert_0x00BF554A();
+
 /// A row of the table, for tools and diagnostics.
 struct Entry
 {

@@ -45,8 +45,15 @@ TEST(RefCntPtr, CountsCopiesMovesAndDestroysAtZero)
 TEST(RefCntPtr, NullUseIsReportedNotACrash)
 {
     RefCntPtr<Counted> empty;
-    EXPECT_THROW((void)empty->value, LogicException);
     EXPECT_THROW((void)*empty, LogicException);
+    try {
+        (void)empty->value;
+        FAIL() << "no exception";
+    } catch (const LogicException& e) {
+        EXPECT_EQ(e.GetMessagesFront(), TString(u"Null pointer dereferenced"));
+        EXPECT_EQ(e.GetErrorInfo().GetError().GetCode(), 0x00BF554Au);
+        EXPECT_EQ(e.GetErrorInfo().GetError().GetName(), TString(u"LogicException_LogicAssert_0x00BF554A"));
+    }
 }
 
 TEST(RefCntPtr, CountsStayExactUnderTwoRacingThreads)
