@@ -1,4 +1,5 @@
 #include "murcoredata/data/BinaryDataValue.h"
+#include "murcoredata/foundation/Caught_test.h"
 
 #include "murcoredata/data/DataValue.h"
 #include "murcoredata/data/DateTime.h"
@@ -38,17 +39,7 @@ DateTime March4th(int hour = 0, int minute = 0, int second = 0)
     return DateTime(2021, 3, 4, hour, minute, second, 0.0);
 }
 
-template <typename F>
-std::unique_ptr<MurvaneException> Caught(F&& f)
-{
-    try {
-        f();
-    } catch (const MurvaneException& e) {
-        return std::unique_ptr<MurvaneException>(e.Clone());
-    }
-    ADD_FAILURE() << "no exception";
-    return std::make_unique<MurvaneException>(TStringCore());
-}
+using TestSupport::Caught;
 
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 

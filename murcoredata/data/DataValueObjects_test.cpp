@@ -1,6 +1,7 @@
 // The kinds of DataValue that hold dates, times, strings, tuples, binaries and shapes.
 
 #include "murcoredata/data/BinaryDataValue.h"
+#include "murcoredata/foundation/Caught_test.h"
 #include "murcoredata/data/Collation.h"
 #include "murcoredata/data/DataValue.h"
 #include "murcoredata/data/StringWithCollation.h"
@@ -75,17 +76,7 @@ DataValue TupleValue(std::initializer_list<long long> numbers)
     return DataValue(makeRefCnt<Tuple>(Ints(numbers)));
 }
 
-template <typename F>
-std::unique_ptr<MurvaneException> Caught(F&& f)
-{
-    try {
-        f();
-    } catch (const MurvaneException& e) {
-        return std::unique_ptr<MurvaneException>(e.Clone());
-    }
-    ADD_FAILURE() << "no exception";
-    return std::make_unique<MurvaneException>(TStringCore());
-}
+using TestSupport::Caught;
 
 void ExpectFailure(const MurvaneException& e, const char16_t* message, uint32_t code, int source)
 {

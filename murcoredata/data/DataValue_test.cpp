@@ -1,4 +1,5 @@
 #include "murcoredata/data/DataValue.h"
+#include "murcoredata/foundation/Caught_test.h"
 
 #include "murcoredata/data/RecordingInspector_test.h"
 
@@ -173,19 +174,7 @@ private:
     int m_oldMinimum;
 };
 
-// Runs `f`, which must throw a MurvaneException, and returns a clone of what it threw
-// (with its dynamic type).
-template <typename F>
-std::unique_ptr<MurvaneException> Caught(F&& f)
-{
-    try {
-        f();
-    } catch (const MurvaneException& e) {
-        return std::unique_ptr<MurvaneException>(e.Clone());
-    }
-    ADD_FAILURE() << "no exception";
-    return std::make_unique<MurvaneException>(TStringCore());
-}
+using TestSupport::Caught;
 
 } // namespace
 

@@ -1,4 +1,5 @@
 #include "murcoredata/data/Tuple.h"
+#include "murcoredata/foundation/Caught_test.h"
 
 #include "murcoredata/data/RecordingInspector_test.h"
 #include "murcoredata/foundation/MurvaneError.h"
@@ -43,17 +44,7 @@ uint32_t Fold(std::initializer_list<uint32_t> memberHashes)
     return h;
 }
 
-template <typename F>
-std::unique_ptr<MurvaneException> Caught(F&& f)
-{
-    try {
-        f();
-    } catch (const MurvaneException& e) {
-        return std::unique_ptr<MurvaneException>(e.Clone());
-    }
-    ADD_FAILURE() << "no exception";
-    return std::make_unique<MurvaneException>(TStringCore());
-}
+using TestSupport::Caught;
 
 void ExpectTupleOrdered(const Tuple& lesser, const Tuple& greater)
 {

@@ -1,4 +1,5 @@
 #include "murcoredata/parser/DataValueFormatter.h"
+#include "murcoredata/foundation/Caught_test.h"
 
 #include "murcoredata/foundation/MurvaneError.h"
 
@@ -9,17 +10,7 @@
 
 namespace {
 
-template <typename F>
-std::unique_ptr<MurvaneException> Caught(F&& f)
-{
-    try {
-        f();
-    } catch (const MurvaneException& e) {
-        return std::unique_ptr<MurvaneException>(e.Clone());
-    }
-    ADD_FAILURE() << "no exception";
-    return std::make_unique<MurvaneException>(TStringCore());
-}
+using TestSupport::Caught;
 
 enum class Colour
 {
