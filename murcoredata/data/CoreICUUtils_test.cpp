@@ -1,4 +1,5 @@
 #include "murcoredata/data/CoreICUUtils.h"
+#include "murcoredata/foundation/LogCapture_test.h"
 
 #include "murcoredata/data/CoreICULocale.h"
 #include "murcoredata/foundation/TLog.h"
@@ -13,23 +14,10 @@
 
 namespace {
 
-struct Capture : TLog::ISink
-{
-    std::mutex mutex;
-    std::vector<std::pair<int, std::string>> lines;
-    void WriteEvent(int, const TLog::Event&) override {}
-    void WriteMessage(int severity, const TString& text, const TError::ErrorInfo*) override
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        lines.emplace_back(severity, text.toStdString());
-    }
-};
-
 // Runs `call`, which must throw the comparison error, and returns what it logged.
 std::vector<std::pair<int, std::string>> LogOfFailure(void (*call)())
 {
-    auto sink = std::make_shared<Capture>();
-    auto previous = TLog::Logger::Get().SetSink(sink);
+    TestSupport::ScopedLogCapture capture;
     try {
         call();
         ADD_FAILURE() << "expected a StringException";
@@ -40,8 +28,7 @@ std::vector<std::pair<int, std::string>> LogOfFailure(void (*call)())
         EXPECT_EQ(int(e.GetErrorInfo().GetSource()), 4);
         EXPECT_EQ(int(e.GetErrorInfo().GetStatusCode()), 2);
     }
-    TLog::Logger::Get().SetSink(previous);
-    return sink->lines;
+    return capture.Lines();
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The kinds of DataValue that hold dates, times, strings, tuples, binaries and shapes.
 
 #include "murcoredata/data/BinaryDataValue.h"
+#include "murcoredata/foundation/LogCapture_test.h"
 #include "murcoredata/foundation/Caught_test.h"
 #include "murcoredata/data/Collation.h"
 #include "murcoredata/data/DataValue.h"
@@ -105,18 +106,6 @@ void ExpectEqual(const DataValue& a, const DataValue& b)
     EXPECT_FALSE(b < a);
     EXPECT_EQ(a.Hash(), b.Hash());
 }
-
-struct CapturingSink : TLog::ISink
-{
-    std::mutex mutex;
-    std::vector<TString> events;
-    void WriteEvent(int, const TLog::Event& event) override
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        events.push_back(event.ToJson());
-    }
-    void WriteMessage(int, const TString&, const TError::ErrorInfo*) override {}
-};
 
 } // namespace
 
@@ -613,11 +602,8 @@ TEST(DataValueObjects, AnEmptyShapeIsANullOrAFailure)
 
 TEST(DataValueObjects, OnlyAStringWithItsObjectHasAnOrdinal)
 {
-    CapturingSink* sink = new CapturingSink;
-    const std::shared_ptr<TLog::ISink> owned(sink);
-    const std::shared_ptr<TLog::ISink> old = TLog::Logger::Get().SetSink(owned);
-    const int oldMinimum = TLog::Logger::Get().GetMinimumSeverity();
-    TLog::Logger::Get().SetMinimumSeverity(TLog::Warning);
+    auto capture = std::make_unique<TestSupport::ScopedLogCapture>(TLog::Warning);
+    const std::shared_ptr<TestSupport::CapturingSink> sink = capture->sink;
 
     DataValue integer(5);
     EXPECT_EQ(integer.GetOrdinal(), -2);
@@ -632,10 +618,9 @@ TEST(DataValueObjects, OnlyAStringWithItsObjectHasAnOrdinal)
     ExpectFailure(*Caught([&] { nullString.SetOrdinal(1); }), u"Incorrect data type string, setting expected string type.",
                   0xCA8336D1u, 2);
 
-    TLog::Logger::Get().SetSink(old);
-    TLog::Logger::Get().SetMinimumSeverity(oldMinimum);
+    capture.reset();
     ASSERT_EQ(sink->events.size(), 2u);
-    const TString& json = sink->events[0];
+    const TString& json = sink->events[0].second;
     EXPECT_TRUE(json.startsWith(TString(u"{\"event\":\"incorrect-data-type\""))) << json.toStdString();
     EXPECT_TRUE(json.contains(TString(u"\"msg\":\"Incorrect data type integer, setting expected string type.\"")));
     EXPECT_TRUE(json.contains(TString(u"\"actual\":\"integer\"")));

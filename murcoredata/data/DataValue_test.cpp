@@ -1,4 +1,5 @@
 #include "murcoredata/data/DataValue.h"
+#include "murcoredata/foundation/LogCapture_test.h"
 #include "murcoredata/foundation/Caught_test.h"
 
 #include "murcoredata/data/RecordingInspector_test.h"
@@ -140,40 +141,7 @@ struct Holder : RefCntObject
     DataValue member;
 };
 
-struct CapturingSink : TLog::ISink
-{
-    std::mutex mutex;
-    std::vector<std::pair<int, TString>> events;
-    void WriteEvent(int severity, const TLog::Event& event) override
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        events.emplace_back(severity, event.ToJson());
-    }
-    void WriteMessage(int, const TString&, const TError::ErrorInfo*) override {}
-};
-
-// Installs a capturing sink at a minimum severity for one scope.
-class ScopedSink
-{
-public:
-    explicit ScopedSink(int minimum)
-        : sink(std::make_shared<CapturingSink>()), m_oldMinimum(TLog::Logger::Get().GetMinimumSeverity())
-    {
-        m_old = TLog::Logger::Get().SetSink(sink);
-        TLog::Logger::Get().SetMinimumSeverity(minimum);
-    }
-    ~ScopedSink()
-    {
-        TLog::Logger::Get().SetSink(m_old);
-        TLog::Logger::Get().SetMinimumSeverity(m_oldMinimum);
-    }
-    std::shared_ptr<CapturingSink> sink;
-
-private:
-    std::shared_ptr<TLog::ISink> m_old;
-    int m_oldMinimum;
-};
-
+using ScopedSink = TestSupport::ScopedLogCapture;
 using TestSupport::Caught;
 
 } // namespace

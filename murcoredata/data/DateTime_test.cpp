@@ -1,4 +1,5 @@
 #include "murcoredata/data/DateTime.h"
+#include "murcoredata/foundation/LogCapture_test.h"
 
 #include "murcoredata/foundation/MurvaneError.h"
 #include "murcoredata/foundation/TLog.h"
@@ -122,40 +123,7 @@ void ExpectLogicAssert(const std::function<void()>& f, uint32_t code, const std:
     }
 }
 
-struct CapturingSink : TLog::ISink
-{
-    std::mutex mutex;
-    std::vector<std::pair<int, std::string>> lines;
-    void WriteEvent(int, const TLog::Event&) override {}
-    void WriteMessage(int severity, const TString& text, const TError::ErrorInfo*) override
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        lines.emplace_back(severity, text.toStdString());
-    }
-};
-
-// Captures the log at a given minimum severity for the life of the object.
-class LogCapture
-{
-public:
-    explicit LogCapture(int minimum)
-        : m_sink(std::make_shared<CapturingSink>()), m_oldMinimum(TLog::Logger::Get().GetMinimumSeverity())
-    {
-        m_old = TLog::Logger::Get().SetSink(m_sink);
-        TLog::Logger::Get().SetMinimumSeverity(minimum);
-    }
-    ~LogCapture()
-    {
-        TLog::Logger::Get().SetSink(m_old);
-        TLog::Logger::Get().SetMinimumSeverity(m_oldMinimum);
-    }
-    std::vector<std::pair<int, std::string>> Lines() const { return m_sink->lines; }
-
-private:
-    std::shared_ptr<CapturingSink> m_sink;
-    std::shared_ptr<TLog::ISink> m_old;
-    int m_oldMinimum;
-};
+using LogCapture = TestSupport::ScopedLogCapture;
 
 // Sets TZ for the life of the object. The library reads TZ once per process; the test
 // calls tzset itself so that the zone is in force whichever test ran first.

@@ -1,4 +1,5 @@
 #include "murcoredata/data/ICUCollator.h"
+#include "murcoredata/foundation/LogCapture_test.h"
 
 #include "murcoredata/data/ICUCollatorPool.h"
 #include "murcoredata/foundation/TLog.h"
@@ -42,27 +43,7 @@ void ExpectLogicFailure(const std::function<void()>& call, uint32_t code, const 
     }
 }
 
-// Catches the log block of a comparison error while it lives.
-struct LogCapture : TLog::ISink
-{
-    std::mutex mutex;
-    std::vector<std::pair<int, std::string>> lines;
-    std::shared_ptr<TLog::ISink> previous;
-
-    void WriteEvent(int, const TLog::Event&) override {}
-    void WriteMessage(int severity, const TString& text, const TError::ErrorInfo*) override
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        lines.emplace_back(severity, text.toStdString());
-    }
-};
-
-struct ScopedLogCapture
-{
-    std::shared_ptr<LogCapture> sink = std::make_shared<LogCapture>();
-    ScopedLogCapture() { sink->previous = TLog::Logger::Get().SetSink(sink); }
-    ~ScopedLogCapture() { TLog::Logger::Get().SetSink(sink->previous); }
-};
+using TestSupport::ScopedLogCapture;
 
 // The failure is the comparison error, and the log block names `detail`.
 void ExpectComparisonError(const std::function<void()>& call, const std::string& detail)
