@@ -1,4 +1,5 @@
 #include "murcoredata/data/CollatorName.h"
+#include "murcoredata/foundation/Caught_test.h"
 
 #include "murcoredata/foundation/MurvaneError.h"
 
@@ -10,17 +11,7 @@ namespace {
 
 using C = Collation;
 
-// The failure must be the logic assertion of that site, with the condition as written.
-void ExpectLogicFailure(const std::function<void()>& call, uint32_t code, const std::string& condition)
-{
-    try {
-        call();
-        ADD_FAILURE() << "expected the assertion " << condition;
-    } catch (const LogicException& e) {
-        EXPECT_EQ(e.GetErrorInfo().GetError().GetCode(), code) << e.what();
-        EXPECT_NE(std::string(e.what()).find("logic assertion failed: " + condition), std::string::npos) << e.what();
-    }
-}
+using TestSupport::ExpectLogicFailure;
 
 std::string Str(const TString& text) { return text.toStdString(); }
 

@@ -1,4 +1,5 @@
 #include "murcoredata/data/ICUCollator.h"
+#include "murcoredata/foundation/Caught_test.h"
 #include "murcoredata/foundation/LogCapture_test.h"
 
 #include "murcoredata/data/ICUCollatorPool.h"
@@ -32,16 +33,7 @@ std::string Text(const std::vector<char16_t>& out)
 
 std::string U8(const char16_t* text) { return TString(text).toStdString(); }
 
-void ExpectLogicFailure(const std::function<void()>& call, uint32_t code, const std::string& condition)
-{
-    try {
-        call();
-        ADD_FAILURE() << "expected the assertion " << condition;
-    } catch (const LogicException& e) {
-        EXPECT_EQ(e.GetErrorInfo().GetError().GetCode(), code) << e.what();
-        EXPECT_NE(std::string(e.what()).find("logic assertion failed: " + condition), std::string::npos) << e.what();
-    }
-}
+using TestSupport::ExpectLogicFailure;
 
 using TestSupport::ScopedLogCapture;
 
