@@ -10,6 +10,8 @@
 #include "murcoredata/data/DataValue.h"
 #include "murcoredata/data/Tuple.h"
 
+#include "MixedLatinTexts.h"
+
 #include <benchmark/benchmark.h>
 
 #include <unicode/ucol.h>
@@ -40,27 +42,13 @@ struct Corpus
 
     Corpus()
     {
-        static const char16_t letters[] = u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
-                                          u"\u00E0\u00E1\u00E2\u00E4\u00E5\u00E7\u00E8\u00E9\u00EA\u00EB\u00EC\u00ED"
-                                          u"\u00EE\u00EF\u00F1\u00F2\u00F3\u00F4\u00F6\u00F9\u00FA\u00FB\u00FC\u00FF"
-                                          u"\u00C0\u00C1\u00C4\u00C5\u00C7\u00C8\u00C9\u00D1\u00D6\u00DC";
-        const size_t letterCount = sizeof letters / sizeof letters[0] - 1;
         std::mt19937 random(20240613);
-        std::uniform_int_distribution<size_t> letter(0, letterCount - 1);
-        std::uniform_int_distribution<int> length(4, 16);
-        std::vector<size_t> offsets;
-        for (size_t i = 0; i < s_valueCount; ++i) {
-            offsets.push_back(buffer.size());
-            const int n = length(random);
-            for (int k = 0; k < n; ++k)
-                buffer.push_back(k < 2 && (i % 4) != 0 ? letters[(i / 64 + size_t(k)) % 26] : letters[letter(random)]);
-            buffer.push_back(0);
-        }
+        MixedLatinTexts made = MakeMixedLatinTexts(s_valueCount, random);
+        buffer = std::move(made.buffer);
+        texts = std::move(made.texts);
         values.reserve(s_valueCount);
-        for (size_t offset : offsets) {
-            texts.push_back(buffer.data() + offset);
-            values.emplace_back(EnglishCollation(), TString(texts.back()));
-        }
+        for (const char16_t* text : texts)
+            values.emplace_back(EnglishCollation(), TString(text));
     }
 };
 
