@@ -53,14 +53,10 @@ QualifiedName NameOf(const Parts& parts)
 std::string Show(const std::u16string& s)
 {
     std::string out;
+    char buf[8];
     for (char16_t c : s) {
-        if (c >= 0x20 && c < 0x7F) {
-            out += char(c);
-        } else {
-            char buf[8];
-            std::snprintf(buf, sizeof buf, "\\u%04X", unsigned(c));
-            out += buf;
-        }
+        std::snprintf(buf, sizeof buf, "\\u%04X", unsigned(c));
+        out += c >= 0x20 && c < 0x7F ? std::string(1, char(c)) : std::string(buf);
     }
     return out;
 }
@@ -123,14 +119,12 @@ ReferenceResult ReferenceParse(const std::u16string& raw)
     return r;
 }
 
-struct ParseRow
+// Accepted texts, one of each kind.
+const struct
 {
     std::u16string input;
     Parts parts;
-};
-
-// Accepted texts, one of each kind.
-const ParseRow s_accepted[] = {
+} s_accepted[] = {
     {u"", {}},
     {u"\t\r\n ", {}},
     {u"[a]", {u"a"}},
@@ -191,10 +185,12 @@ uint32_t ErrorCodeOf(const MurvaneException& e)
 
 TEST(QualifiedNameParse, AcceptedTextsGiveTheirComponents)
 {
-    for (const ParseRow& row : s_accepted) {
+    for (const auto& row : s_accepted) {
         SCOPED_TRACE(Show(row.input));
         const TString text = T(row.input);
-        EXPECT_EQ(PartsOf(QualifiedName::ParseGlobal(text)), row.parts);
+        const QualifiedName name = QualifiedName::ParseGlobal(text);
+        EXPECT_EQ(PartsOf(name), row.parts);
+        EXPECT_EQ(name.GetFullValue(), T(ExpectedBracketForm(row.parts)));
         EXPECT_EQ(PartsOf(QualifiedName::ParseLocal(text)), row.parts);
         EXPECT_TRUE(QualifiedName::CanParseQualifiedName(text));
         const std::unique_ptr<QualifiedName> tried = QualifiedName::TryParseQualifiedName(text, false);
@@ -334,7 +330,7 @@ TEST(QualifiedNameParse, UnquotedConstructorAndLiteral)
 
 // ---- The two empty names ----
 
-TEST(QualifiedNameEmpty, NoComponentsAndOneEmptyComponentAreBothEmptyButNotEqual)
+TEST(QualifiedNameEmpty, TheTwoEmptyNamesDifferAndNoComponentsIsShared)
 {
     const QualifiedName none;
     const QualifiedName oneEmpty{TString()};
@@ -346,11 +342,9 @@ TEST(QualifiedNameEmpty, NoComponentsAndOneEmptyComponentAreBothEmptyButNotEqual
     // Two or more components are never empty, whatever they hold.
     EXPECT_FALSE(QualifiedName(TString(), TString()).IsEmpty());
     EXPECT_FALSE(QualifiedName(TString(u"a")).IsEmpty());
-}
 
-TEST(QualifiedNameEmpty, EveryEmptyResultSharesTheOneDefaultData)
-{
-    const TString* shared = &QualifiedName().GetFullValue();
+    // Every empty result shares the one default data.
+    const TString* shared = &none.GetFullValue();
     QualifiedName cleared = u"[a].[b]"_qn;
     cleared.Clear();
     QualifiedName popped(TString(u"x"));
@@ -361,30 +355,7 @@ TEST(QualifiedNameEmpty, EveryEmptyResultSharesTheOneDefaultData)
     EXPECT_EQ(&QualifiedName::ParseGlobal(TString(u"  ")).GetFullValue(), shared);
 }
 
-// ---- Bracket form and hash ----
-
-TEST(QualifiedNameText, BracketFormDoublesOnlyTheClosingBracket)
-{
-    const struct
-    {
-        Parts parts;
-        std::u16string text;
-    } rows[] = {
-        {{}, u""},
-        {{u""}, u"[]"},
-        {{u"a", u"b"}, u"[a].[b]"},
-        {{u"a[b", u"c.d"}, u"[a[b].[c.d]"},
-        {{u"]]", u"", u"x]"}, u"[]]]]].[].[x]]]"},
-        {{std::u16string(u"\0", 1)}, std::u16string(u"[\0]", 3)},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(Show(row.text));
-        const QualifiedName name = NameOf(row.parts);
-        EXPECT_EQ(name.GetFullValue(), T(row.text));
-        EXPECT_EQ(&name.GetFullValue(), &name.GetFullValue()); // cached once
-        EXPECT_EQ(PartsOf(QualifiedName::ParseGlobal(name.GetFullValue())), row.parts);
-    }
-}
+// ---- Hash ----
 
 TEST(QualifiedNameHash, PinnedValuesOverTheComponents)
 {
@@ -405,15 +376,8 @@ TEST(QualifiedNameHash, EqualNamesMadeDifferentlyHashAlike)
     QualifiedName pushed(TString(u"b"));
     pushed.PushRoot(TString(u"a"));
     pushed.PushValue(TString(u"c"));
-    const QualifiedName names[] = {
-        u"[a].[b].[c]"_qn,
-        u"  [a].[b].[c]\t"_qn,
-        NameOf({u"a", u"b", u"c"}),
-        pushed,
-        MakeGlobalName(TString(u"a"), QualifiedName(TString(u"b"), TString(u"c"))),
-        PushValue(QualifiedName(TString(u"a"), TString(u"b")), TString(u"c")),
-        (u"[z].[a].[b].[c]"_qn).PopRootValue(),
-    };
+    const QualifiedName names[] = {u"[a].[b].[c]"_qn, u"  [a].[b].[c]\t"_qn, NameOf({u"a", u"b", u"c"}), pushed,
+                                   (u"[z].[a].[b].[c]"_qn).PopRootValue()};
     std::unordered_set<QualifiedName> set;
     for (const QualifiedName& n : names) {
         EXPECT_EQ(n, names[0]);
@@ -429,17 +393,9 @@ TEST(QualifiedNameCompare, OrderIsThatOfTheBracketTexts)
 {
     // Each name is less than the next. Component by component "a" < "a b" and "a" < "a.b";
     // by bracket text the unit after the component decides: " " and "." sort before "]".
-    const QualifiedName chain[] = {
-        QualifiedName(),
-        QualifiedName(TString()),
-        QualifiedName(TString(u"a b")),
-        QualifiedName(TString(u"a.b")),
-        QualifiedName(TString(u"a")),
-        QualifiedName(TString(u"a"), TString(u"b")),
-        QualifiedName(TString(u"a]")),
-        QualifiedName(TString(u"aa")),
-        QualifiedName(TString(u"b")),
-    };
+    const QualifiedName chain[] = {QualifiedName(),        QualifiedName(TString()),    QualifiedName(TString(u"a b")),
+                                   QualifiedName(TString(u"a.b")), QualifiedName(TString(u"a")), u"[a].[b]"_qn,
+                                   QualifiedName(TString(u"a]")),  QualifiedName(TString(u"aa")), QualifiedName(TString(u"b"))};
     const size_t n = sizeof chain / sizeof chain[0];
     for (size_t i = 0; i < n; ++i) {
         for (size_t j = 0; j < n; ++j) {
@@ -468,10 +424,7 @@ TEST(QualifiedNameCompare, LeafFunctorOrdersByLowerCasedLeaf)
 {
     std::vector<QualifiedName> names = {u"[x].[gamma]"_qn, u"[Beta]"_qn, u"[z].[y].[ALPHA]"_qn, u"[b].[Delta]"_qn};
     std::sort(names.begin(), names.end(), QualifiedNameCompareLeafValueNoCase());
-    std::vector<TString> leaves;
-    for (const QualifiedName& n : names)
-        leaves.push_back(n.GetLeafValue());
-    EXPECT_EQ(leaves, (std::vector<TString>{TString(u"ALPHA"), TString(u"Beta"), TString(u"Delta"), TString(u"gamma")}));
+    EXPECT_EQ(names, (std::vector<QualifiedName>{u"[z].[y].[ALPHA]"_qn, u"[Beta]"_qn, u"[b].[Delta]"_qn, u"[x].[gamma]"_qn}));
 
     const QualifiedNameCompareLeafValueNoCase less;
     EXPECT_FALSE(less(u"[A]"_qn, u"[a]"_qn));
@@ -536,6 +489,15 @@ TEST(QualifiedNameChange, InPlaceChangesLeaveOtherHoldersAlone)
     ExpectLogicFailure([&] { none.ReplaceValue(TString(u"v")); }, 0xA8C5A1E9u, "!m_data->m_components.empty()");
     ExpectLogicFailure([&] { none.ReplaceRoot(TString(u"v")); }, 0x4181ADF3u, "!m_data->m_components.empty()");
     ExpectLogicFailure([&] { none.SetRootValue(TString(u"v")); }, 0x4181ADF3u, "!m_data->m_components.empty()");
+
+    // Swap exchanges the data, a copy shares it.
+    QualifiedName a = u"[a]"_qn;
+    QualifiedName b = u"[b].[c]"_qn;
+    const TString* textOfA = &a.GetFullValue();
+    a.Swap(b);
+    EXPECT_EQ(PartsOf(a), (Parts{u"b", u"c"}));
+    EXPECT_EQ(&b.GetFullValue(), textOfA);
+    EXPECT_EQ(&QualifiedName(b).GetFullValue(), textOfA);
 }
 
 TEST(QualifiedNameChange, ConstFormsMakeNewNames)
@@ -561,18 +523,6 @@ TEST(QualifiedNameChange, ConstFormsMakeNewNames)
     EXPECT_TRUE(out.isEmpty());
     ExpectLogicFailure([&] { (void)none.ReplaceRootValue(TString(u"v")); }, 0xE7D6FD7Cu, "!m_data->m_components.empty()");
     ExpectLogicFailure([&] { (void)none.ReplaceLeafValue(TString(u"v")); }, 0x1A407BE2u, "!m_data->m_components.empty()");
-}
-
-TEST(QualifiedNameChange, SwapAndCopyShareOrExchangeTheData)
-{
-    QualifiedName a = u"[a]"_qn;
-    QualifiedName b = u"[b].[c]"_qn;
-    const TString* textOfA = &a.GetFullValue();
-    a.Swap(b);
-    EXPECT_EQ(PartsOf(a), (Parts{u"b", u"c"}));
-    EXPECT_EQ(&b.GetFullValue(), textOfA);
-    const QualifiedName copy = b;
-    EXPECT_EQ(&copy.GetFullValue(), textOfA);
 }
 
 // ---- Free helpers ----
@@ -624,18 +574,15 @@ TEST(MakeQualifiedName, GlobalReplaceAndPush)
 
 TEST(QualifiedNameOutput, StreamsTheBracketFormAndContainers)
 {
-    std::ostringstream one;
-    one << u"[Straße].[a]]b]"_qn;
-    EXPECT_EQ(one.str(), "[Stra\xC3\x9F" "e].[a]]b]");
-    std::ostringstream list;
-    list << std::vector<QualifiedName>{u"[b]"_qn, u"[a].[c]"_qn, QualifiedName()};
-    EXPECT_EQ(list.str(), "{[b], [a].[c], }");
-    std::ostringstream set;
-    set << std::set<QualifiedName>{u"[b]"_qn, u"[a].[c]"_qn, u"[b]"_qn};
-    EXPECT_EQ(set.str(), "{[a].[c], [b]}");
-    std::ostringstream none;
-    none << std::vector<QualifiedName>{};
-    EXPECT_EQ(none.str(), "{}");
+    const auto streamed = [](const auto& value) {
+        std::ostringstream out;
+        out << value;
+        return out.str();
+    };
+    EXPECT_EQ(streamed(u"[Straße].[a]]b]"_qn), "[Stra\xC3\x9F" "e].[a]]b]");
+    EXPECT_EQ(streamed(std::vector<QualifiedName>{u"[b]"_qn, u"[a].[c]"_qn, QualifiedName()}), "{[b], [a].[c], }");
+    EXPECT_EQ(streamed(std::set<QualifiedName>{u"[b]"_qn, u"[a].[c]"_qn, u"[b]"_qn}), "{[a].[c], [b]}");
+    EXPECT_EQ(streamed(std::vector<QualifiedName>{}), "{}");
 }
 
 TEST(QualifiedNameExceptions, CarriesInputAndKeepsItsTypeAcrossThreads)
@@ -661,13 +608,11 @@ TEST(QualifiedNameCost, ATwoPartNameIsOneAllocation)
 {
     const TString root(u"a root long enough to live on the heap");
     const TString leaf(u"leaf");
-    QualifiedName two;
-    EXPECT_EQ(CountAllocations([&] { two = QualifiedName(root, leaf); }), 1u);
-    QualifiedName parsed;
     const TString text(u"[Sales].[Order Date]");
+    QualifiedName two, parsed, three;
+    EXPECT_EQ(CountAllocations([&] { two = QualifiedName(root, leaf); }), 1u);
     EXPECT_EQ(CountAllocations([&] { parsed = QualifiedName::ParseGlobal(text); }), 1u);
     // A third component leaves the inline space: the list takes a block of its own.
-    QualifiedName three;
     EXPECT_EQ(CountAllocations([&] { three = QualifiedName::ParseGlobal(TString(u"[a].[b].[c]")); }), 2u);
 
     // Copies, equality, the hash and a cached bracket form allocate nothing.
