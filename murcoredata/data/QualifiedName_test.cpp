@@ -1,10 +1,10 @@
 #include "murcoredata/data/MakeQualifiedName.h"
 #include "murcoredata/data/QualifiedName.h"
 #include "murcoredata/foundation/AllocationCounter_test.h"
+#include "murcoredata/foundation/Caught_test.h"
 
 #include "murcoredata/core/StringTable.h"
 #include "murcoredata/foundation/MurErrorsError.h"
-#include "murcoredata/foundation/THash.h"
 
 #include <boost/container/small_vector.hpp>
 #include <gtest/gtest.h>
@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
-#include <cstdlib>
-#include <new>
 #include <random>
 #include <set>
 #include <sstream>
@@ -22,7 +20,9 @@
 #include <unordered_set>
 #include <vector>
 
+using TestSupport::Caught;
 using TestSupport::CountAllocations;
+using TestSupport::ExpectLogicFailure;
 
 namespace {
 
@@ -53,25 +53,12 @@ QualifiedName NameOf(const Parts& parts)
 std::string Show(const std::u16string& s)
 {
     std::string out;
+    char buf[8];
     for (char16_t c : s) {
-        if (c >= 0x20 && c < 0x7F) {
-            out += char(c);
-        } else {
-            char buf[8];
-            std::snprintf(buf, sizeof buf, "\\u%04X", unsigned(c));
-            out += buf;
-        }
+        std::snprintf(buf, sizeof buf, "\\u%04X", unsigned(c));
+        out += c >= 0x20 && c < 0x7F ? std::string(1, char(c)) : std::string(buf);
     }
     return out;
-}
-
-// The hash, folded here from THash32 the way the name documents it.
-uint32_t ExpectedHash(const Parts& parts)
-{
-    uint32_t value = 0xDEADBEEFu;
-    for (const std::u16string& p : parts)
-        value = THash32(p.data(), p.size() * sizeof(char16_t), value);
-    return value;
 }
 
 // The bracket form, written here by appending, as a second opinion on the renderer.
@@ -79,14 +66,9 @@ std::u16string ExpectedBracketForm(const Parts& parts)
 {
     std::u16string text;
     for (size_t i = 0; i < parts.size(); ++i) {
-        if (i > 0)
-            text += u'.';
-        text += u'[';
-        for (char16_t c : parts[i]) {
-            text += c;
-            if (c == u']')
-                text += u']';
-        }
+        text += i > 0 ? u".[" : u"[";
+        for (char16_t c : parts[i])
+            text += c == u']' ? std::u16string(u"]]") : std::u16string(1, c);
         text += u']';
     }
     return text;
@@ -104,170 +86,111 @@ struct ReferenceResult
 ReferenceResult ReferenceParse(const std::u16string& raw)
 {
     const std::u16string s = T(raw).trimmed().toStdU16String();
-    ReferenceResult r;
     const size_t n = s.size();
-    if (n == 0) {
-        r.ok = true;
-        return r;
-    }
-    size_t pos = 0;
-    for (;;) {
-        if (s[pos] != u'[') {
-            r.code = pos == 0 ? 0x5F1F5407u : 0x5F1F5408u;
-            return r;
-        }
-        ++pos;
-        if (pos == n) {
-            r.code = 0x5F1F5409u;
-            return r;
-        }
+    ReferenceResult r;
+    auto fail = [&r](uint32_t code) { r.code = code; return r; };
+    r.ok = n == 0;
+    for (size_t pos = 0; n > 0;) {
+        if (s[pos] != u'[')
+            return fail(pos == 0 ? 0x5F1F5407u : 0x5F1F5408u);
+        if (++pos == n)
+            return fail(0x5F1F5409u);
         std::u16string part;
-        for (;;) {
-            if (pos == n) {
-                r.code = 0x5F1F540Au;
-                return r;
-            }
+        for (;; ++pos) {
+            if (pos == n)
+                return fail(0x5F1F540Au);
             if (s[pos] == u']') {
-                if (pos + 1 < n && s[pos + 1] == u']') {
-                    part += u']';
-                    pos += 2;
-                    continue;
-                }
-                break;
+                if (pos + 1 == n || s[pos + 1] != u']')
+                    break;
+                ++pos; // an escaped "]"
             }
-            part += s[pos++];
+            part += s[pos];
         }
-        ++pos; // the closing "]"
         r.parts.push_back(part);
-        if (pos == n) {
+        if (++pos == n) {
             r.ok = true;
             return r;
         }
-        if (s[pos] != u'.') {
-            r.code = 0x5F1F540Bu;
-            return r;
-        }
-        ++pos;
-        if (pos == n) {
-            r.code = 0x5F1F540Cu;
-            return r;
-        }
+        if (s[pos] != u'.')
+            return fail(0x5F1F540Bu);
+        if (++pos == n)
+            return fail(0x5F1F540Cu);
     }
+    return r;
 }
 
-struct ParseRow
+// Accepted texts, one of each kind.
+const struct
 {
     std::u16string input;
     Parts parts;
-};
-
-// Accepted texts: the documented cases first, then hostile ones.
-const ParseRow s_accepted[] = {
+} s_accepted[] = {
     {u"", {}},
-    {u"   ", {}},
     {u"\t\r\n ", {}},
     {u"[a]", {u"a"}},
-    {u"[a].[b]", {u"a", u"b"}},
     {u"[a].[b].[c]", {u"a", u"b", u"c"}},
     {u"[a].[]", {u"a", u""}},
     {u"[]", {u""}},
-    {u"[].[]", {u"", u""}},
-    {u"  [a]  ", {u"a"}},
-    {u"\t[a].[b]\n", {u"a", u"b"}},
+    {u"\t [a].[b]\n", {u"a", u"b"}},
     {u"[a]]b]", {u"a]b"}},
-    {u"[a.b]", {u"a.b"}},
-    {u"[a[b]", {u"a[b"}},
-    {u"[[]", {u"["}},
-    {u"[.]", {u"."}},
-    {u"[ a ]", {u" a "}},         // inside the brackets nothing is trimmed
-    {u"[]]]", {u"]"}},            // one escaped "]" and nothing else
+    {u"[a[b.c]", {u"a[b.c"}},
+    {u"[ a ]", {u" a "}},          // inside the brackets nothing is trimmed
+    {u"[]]]", {u"]"}},             // one escaped "]" and nothing else
     {u"[]]]]]", {u"]]"}},          // two escapes, then the close
-    {u"[]]].[]]]", {u"]", u"]"}},
     {u"[a]]].[b]", {u"a]", u"b"}}, // an escape right before the close
-    {u"[]]a]", {u"]a"}},
-    {u"[\\]", {u"\\"}},           // a backslash is no escape
-    {u"[\\].[\\]]]", {u"\\", u"\\]"}},
-    {u"[].[a].[]", {u"", u"a", u""}},
-    {u"[[[.]", {u"[[."}},
-    {u"[a].[b].[c].[d].[e].[f]", {u"a", u"b", u"c", u"d", u"e", u"f"}},
+    {u"[\\].[\\]]]", {u"\\", u"\\]"}}, // a backslash is no escape
     {std::u16string(u"[a\0b].[\0]", 9), {std::u16string(u"a\0b", 3), std::u16string(u"\0", 1)}},
-    {u"[\xD800]", {u"\xD800"}},             // a lone high surrogate
-    {u"[\xDC00\xD800].[x]", {u"\xDC00\xD800", u"x"}}, // reversed pair
-    {u"[\xD83D\xDE00]", {u"\xD83D\xDE00"}}, // a well-formed pair
-    {u"[\xFFFF\xFFFE]", {u"\xFFFF\xFFFE"}},
-    {u"[Straße].[Größe]", {u"Straße", u"Größe"}},
+    {u"[\xDC00\xD800].[\xD800]", {u"\xDC00\xD800", u"\xD800"}}, // reversed pair, lone surrogate
 };
 
-struct FailureRow
+struct FailureSite
 {
-    std::u16string input;
     uint32_t code;
     int source;
     CoreData::StringId reason;
-    const char16_t* english;
-    std::u16string trimmedInput;
+    const char16_t* english; // pinned, not looked up: a wrong id shows
 };
 
-const FailureRow s_rejected[] = {
-    // Not bracket form at all: source 6.
-    {u"a", 0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"a"},
-    {u"a.b", 0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"a.b"},
-    {u"  a  ", 0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"a"},
-    {u"]", 0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"]"},
-    {u".", 0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"."},
-    {u".[a]", 0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u".[a]"},
-    {u"\\[a]", 0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"\\[a]"},
-    {std::u16string(u"\0[a]", 4), 0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['",
-     std::u16string(u"\0[a]", 4)},
-    {u"\xD800[a]", 0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"\xD800[a]"},
-    // A later component without its "[": source 4.
-    {u"[a].b", 0x5F1F5408u, 4, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"[a].b"},
-    {u"[a]..[b]", 0x5F1F5408u, 4, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"[a]..[b]"},
-    {u"[a]. [b]", 0x5F1F5408u, 4, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"[a]. [b]"},
-    {u"[a].]", 0x5F1F5408u, 4, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['", u"[a].]"},
-    // The text ends on a "[".
-    {u"[", 0x5F1F5409u, 4, CoreData::IDS_ERR_DANGLING_LBRACKET, u"Invalid input: dangling '['", u"["},
-    {u" [ ", 0x5F1F5409u, 4, CoreData::IDS_ERR_DANGLING_LBRACKET, u"Invalid input: dangling '['", u"["},
-    {u"[a].[", 0x5F1F5409u, 4, CoreData::IDS_ERR_DANGLING_LBRACKET, u"Invalid input: dangling '['", u"[a].["},
-    // No closing "]".
-    {u"[a", 0x5F1F540Au, 4, CoreData::IDS_ERR_BRACKET_MISMATCH, u"Invalid input: mismatched brackets", u"[a"},
-    {u"[a]]", 0x5F1F540Au, 4, CoreData::IDS_ERR_BRACKET_MISMATCH, u"Invalid input: mismatched brackets", u"[a]]"},
-    {u"[]]", 0x5F1F540Au, 4, CoreData::IDS_ERR_BRACKET_MISMATCH, u"Invalid input: mismatched brackets", u"[]]"},
-    {u"[]]]]", 0x5F1F540Au, 4, CoreData::IDS_ERR_BRACKET_MISMATCH, u"Invalid input: mismatched brackets", u"[]]]]"},
-    {u"[[", 0x5F1F540Au, 4, CoreData::IDS_ERR_BRACKET_MISMATCH, u"Invalid input: mismatched brackets", u"[["},
-    {u"[a].[b", 0x5F1F540Au, 4, CoreData::IDS_ERR_BRACKET_MISMATCH, u"Invalid input: mismatched brackets", u"[a].[b"},
-    {u"[a].[b]]", 0x5F1F540Au, 4, CoreData::IDS_ERR_BRACKET_MISMATCH, u"Invalid input: mismatched brackets",
-     u"[a].[b]]"},
-    {u"[\xD800", 0x5F1F540Au, 4, CoreData::IDS_ERR_BRACKET_MISMATCH, u"Invalid input: mismatched brackets", u"[\xD800"},
-    // After "]" neither the end nor ".".
-    {u"[a] .[b]", 0x5F1F540Bu, 4, CoreData::IDS_ERR_EXPECT_DOT, u"Invalid input: expected '.'", u"[a] .[b]"},
-    {u"[a]b", 0x5F1F540Bu, 4, CoreData::IDS_ERR_EXPECT_DOT, u"Invalid input: expected '.'", u"[a]b"},
-    {u"[a][b]", 0x5F1F540Bu, 4, CoreData::IDS_ERR_EXPECT_DOT, u"Invalid input: expected '.'", u"[a][b]"},
-    {u"[a]]]x", 0x5F1F540Bu, 4, CoreData::IDS_ERR_EXPECT_DOT, u"Invalid input: expected '.'", u"[a]]]x"},
-    {std::u16string(u"[a]\0", 4), 0x5F1F540Bu, 4, CoreData::IDS_ERR_EXPECT_DOT, u"Invalid input: expected '.'",
-     std::u16string(u"[a]\0", 4)},
-    // The text ends on a ".".
-    {u"[a].", 0x5F1F540Cu, 4, CoreData::IDS_ERR_DANGLING_DOT, u"Invalid input: dangling '.'", u"[a]."},
-    {u"[a].[b]. ", 0x5F1F540Cu, 4, CoreData::IDS_ERR_DANGLING_DOT, u"Invalid input: dangling '.'", u"[a].[b]."},
+const FailureSite s_sites[] = {
+    {0x5F1F5407u, 6, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['"}, // first component
+    {0x5F1F5408u, 4, CoreData::IDS_ERR_EXPECT_LBRACKET, u"Invalid input: expected '['"}, // a later one
+    {0x5F1F5409u, 4, CoreData::IDS_ERR_DANGLING_LBRACKET, u"Invalid input: dangling '['"},
+    {0x5F1F540Au, 4, CoreData::IDS_ERR_BRACKET_MISMATCH, u"Invalid input: mismatched brackets"},
+    {0x5F1F540Bu, 4, CoreData::IDS_ERR_EXPECT_DOT, u"Invalid input: expected '.'"},
+    {0x5F1F540Cu, 4, CoreData::IDS_ERR_DANGLING_DOT, u"Invalid input: dangling '.'"},
 };
 
-uint32_t ErrorCodeOf(const QualifiedNameException& e)
+const struct
+{
+    std::u16string input;
+    int site;
+} s_rejected[] = {
+    {u"  a  ", 0}, {u".[a]", 0}, {u"\\[a]", 0}, {std::u16string(u"\0[a]", 4), 0},
+    {u"%1 %2", 0}, // the input is not filled into the message twice
+    {u"[a]..[b]", 1}, {u"[a]. [b]", 1},
+    {u" [ ", 2}, {u"[a].[", 2},
+    {u"[a", 3}, {u"[a]]", 3}, {u"[]]]]", 3}, {u"[a].[b", 3}, {u"[\xD800", 3},
+    {u"[a] .[b]", 4}, {u"[a]]]x", 4}, {std::u16string(u"[a]\0", 4), 4},
+    {u"[a].", 5}, {u"[a].[b]. ", 5},
+};
+
+uint32_t ErrorCodeOf(const MurvaneException& e)
 {
     return e.GetErrorInfo().GetError().GetCode();
 }
 
 } // namespace
 
-//===------------------------------------------------------------------------------------===//
-// Parsing
-//===------------------------------------------------------------------------------------===//
+// ---- Parsing ----
 
 TEST(QualifiedNameParse, AcceptedTextsGiveTheirComponents)
 {
-    for (const ParseRow& row : s_accepted) {
+    for (const auto& row : s_accepted) {
         SCOPED_TRACE(Show(row.input));
         const TString text = T(row.input);
-        EXPECT_EQ(PartsOf(QualifiedName::ParseGlobal(text)), row.parts);
+        const QualifiedName name = QualifiedName::ParseGlobal(text);
+        EXPECT_EQ(PartsOf(name), row.parts);
+        EXPECT_EQ(name.GetFullValue(), T(ExpectedBracketForm(row.parts)));
         EXPECT_EQ(PartsOf(QualifiedName::ParseLocal(text)), row.parts);
         EXPECT_TRUE(QualifiedName::CanParseQualifiedName(text));
         const std::unique_ptr<QualifiedName> tried = QualifiedName::TryParseQualifiedName(text, false);
@@ -278,92 +201,52 @@ TEST(QualifiedNameParse, AcceptedTextsGiveTheirComponents)
 
 TEST(QualifiedNameParse, RejectedTextsThrowTheirSiteCodeSourceAndMessage)
 {
-    for (const FailureRow& row : s_rejected) {
+    for (const auto& row : s_rejected) {
         SCOPED_TRACE(Show(row.input));
+        const FailureSite& site = s_sites[row.site];
         const TString text = T(row.input);
         EXPECT_FALSE(QualifiedName::CanParseQualifiedName(text));
         EXPECT_EQ(QualifiedName::TryParseQualifiedName(text, false), nullptr);
 
-        // The English text of the reason is pinned here, not looked up: a wrong id shows.
-        const TString reason(row.english);
-        EXPECT_EQ(CoreData::LookupTStr(row.reason), reason);
-        const TString message = TString(u"Qualified Name Parse Error --- ") + reason + TString(u" --- Input: ") +
-                                T(row.trimmedInput);
-        bool thrown = false;
-        try {
-            (void)QualifiedName::ParseGlobal(text);
-        } catch (const QualifiedFieldNameParseException& e) {
-            thrown = true;
-            EXPECT_EQ(ErrorCodeOf(e), row.code);
-            char name[80];
-            std::snprintf(name, sizeof name, "MurvaneException_QualifiedNameParseException_0x%08X", row.code);
-            EXPECT_EQ(e.GetErrorInfo().GetError().GetName(), TString::fromUtf8(name));
-            EXPECT_EQ(int(e.GetErrorInfo().GetSource()), row.source);
-            EXPECT_EQ(int(e.GetErrorInfo().GetStatusCode()), 2);
-            EXPECT_EQ(e.GetMessagesFront(), message);
-            EXPECT_EQ(e.GetInput(), T(row.trimmedInput));
-        }
-        EXPECT_TRUE(thrown);
-        // The other throwing entries give the same exception.
+        const TString reason(site.english);
+        EXPECT_EQ(CoreData::LookupTStr(site.reason), reason);
+        const TString trimmed = text.trimmed();
+        const auto caught = Caught([&] { (void)QualifiedName::ParseGlobal(text); });
+        const auto* e = dynamic_cast<const QualifiedFieldNameParseException*>(caught.get());
+        ASSERT_NE(e, nullptr);
+        EXPECT_EQ(ErrorCodeOf(*e), site.code);
+        char name[80];
+        std::snprintf(name, sizeof name, "MurvaneException_QualifiedNameParseException_0x%08X", site.code);
+        EXPECT_EQ(e->GetErrorInfo().GetError().GetName(), TString::fromUtf8(name));
+        EXPECT_EQ(int(e->GetErrorInfo().GetSource()), site.source);
+        EXPECT_EQ(int(e->GetErrorInfo().GetStatusCode()), 2);
+        EXPECT_EQ(e->GetMessagesFront(),
+                  TString(u"Qualified Name Parse Error --- ") + reason + TString(u" --- Input: ") + trimmed);
+        EXPECT_EQ(e->GetInput(), trimmed);
         EXPECT_THROW((void)QualifiedName::ParseLocal(text), QualifiedNameException);
         EXPECT_THROW((void)QualifiedName::TryParseQualifiedName(text, true), QualifiedFieldNameParseException);
     }
 }
 
-TEST(QualifiedNameParse, TheTwoExpectBracketRowsDifferOnlyInCodeAndSource)
-{
-    auto catchIt = [](const char16_t* text) {
-        try {
-            (void)QualifiedName::ParseGlobal(TString(text));
-        } catch (const QualifiedNameException& e) {
-            return e;
-        }
-        ADD_FAILURE() << "no exception";
-        return QualifiedNameException(TString(), TString(), MurvaneError());
-    };
-    const QualifiedNameException first = catchIt(u"a");
-    const QualifiedNameException later = catchIt(u"[x].a");
-    EXPECT_EQ(ErrorCodeOf(first), 0x5F1F5407u);
-    EXPECT_EQ(int(first.GetErrorInfo().GetSource()), 6);
-    EXPECT_EQ(ErrorCodeOf(later), 0x5F1F5408u);
-    EXPECT_EQ(int(later.GetErrorInfo().GetSource()), 4);
-    EXPECT_EQ(first.GetMessagesFront().left(first.GetMessagesFront().indexOf(TString(u"Input:"))),
-              later.GetMessagesFront().left(later.GetMessagesFront().indexOf(TString(u"Input:"))));
-}
-
-TEST(QualifiedNameParse, InputWithPercentSignsIsNotFilledTwice)
-{
-    try {
-        (void)QualifiedName::ParseGlobal(TString(u"%1 %2"));
-        FAIL() << "no exception";
-    } catch (const QualifiedNameException& e) {
-        EXPECT_EQ(e.GetMessagesFront(),
-                  TString(u"Qualified Name Parse Error --- Invalid input: expected '[' --- Input: %1 %2"));
-    }
-}
-
 TEST(QualifiedNameParse, HugeAndDeepInputsAnswerWithoutCrashing)
 {
-    // Ten thousand opening brackets: one component "[[[...", never closed.
+    // "[[[..." never closed; "[" then an even run of "]" (escapes, none left to close).
     EXPECT_FALSE(QualifiedName::CanParseQualifiedName(TString(u'[', 10000)));
-    // Ten thousand closing brackets after "[": pairs of escapes, the last one unpaired.
     EXPECT_FALSE(QualifiedName::CanParseQualifiedName(TString(u"[") + TString(u']', 10000)));
-    // An odd count is a run of escapes and then the close.
+    // An odd run is escapes and then the close.
     const QualifiedName odd = QualifiedName::ParseGlobal(TString(u"[") + TString(u']', 10001));
     ASSERT_EQ(odd.GetNumberOfComponents(), 1u);
     EXPECT_EQ(odd.GetComponent(0), TString(u']', 5000));
 
-    // Many components.
-    TString many;
-    for (int i = 0; i < 5000; ++i)
-        many += i == 0 ? TString(u"[x]") : TString(u".[x]");
+    TString many(u"[x]");
+    for (int i = 1; i < 5000; ++i)
+        many += TString(u".[x]");
     EXPECT_EQ(QualifiedName::ParseGlobal(many).GetNumberOfComponents(), 5000u);
     EXPECT_FALSE(QualifiedName::CanParseQualifiedName(many + u'.'));
 }
 
 TEST(QualifiedNameParse, RandomTextsParseAsTheReferenceOrThrowTheDocumentedException)
 {
-    // Texts of the characters that matter to the parser, and some that must not.
     const char16_t alphabet[] = {u'[', u'[', u']', u']', u']', u'.', u'.', u' ', u'a', u'\\', u'\0', 0xD800, 0xDC00, u'\t'};
     std::mt19937 rng(20240611u);
     std::uniform_int_distribution<int> length(0, 14);
@@ -374,24 +257,18 @@ TEST(QualifiedNameParse, RandomTextsParseAsTheReferenceOrThrowTheDocumentedExcep
     for (int round = 0; round < 6000; ++round) {
         std::u16string input;
         if (round % 2 == 0) {
-            // A well-formed name of random components, then at most one unit deleted,
-            // replaced or inserted: texts near the boundary between good and bad.
+            // A well-formed name with at most one unit deleted or inserted: near the boundary.
             Parts parts(1 + length(rng) % 3);
             for (std::u16string& p : parts)
                 for (int k = length(rng) % 4; k > 0; --k)
                     p += alphabet[pick(rng)];
             input = ExpectedBracketForm(parts);
-            const size_t at = input.empty() ? 0 : size_t(rng() % input.size());
-            switch (coin(rng)) {
-            case 0:
-                break;
-            case 1:
+            const size_t at = size_t(rng() % input.size());
+            const int change = coin(rng);
+            if (change == 1)
                 input.erase(at, 1);
-                break;
-            default:
+            else if (change == 2)
                 input.insert(input.begin() + at, alphabet[pick(rng)]);
-                break;
-            }
         } else {
             for (int k = length(rng); k > 0; --k)
                 input += alphabet[pick(rng)];
@@ -405,6 +282,7 @@ TEST(QualifiedNameParse, RandomTextsParseAsTheReferenceOrThrowTheDocumentedExcep
             const QualifiedName name = QualifiedName::ParseGlobal(text);
             ASSERT_TRUE(expected.ok) << "accepted, but the reference rejects with " << std::hex << expected.code;
             EXPECT_EQ(PartsOf(name), expected.parts);
+            EXPECT_EQ(name.GetFullValue(), T(ExpectedBracketForm(expected.parts)));
             EXPECT_EQ(QualifiedName::ParseGlobal(name.GetFullValue()), name);
             ++accepted;
         } catch (const QualifiedFieldNameParseException& e) {
@@ -412,7 +290,6 @@ TEST(QualifiedNameParse, RandomTextsParseAsTheReferenceOrThrowTheDocumentedExcep
             EXPECT_EQ(ErrorCodeOf(e), expected.code);
             codesSeen.insert(ErrorCodeOf(e));
         }
-        // Anything else escapes the try and fails the test.
     }
     // The texts reach both answers and every failure site.
     EXPECT_GT(accepted, 1500);
@@ -426,9 +303,7 @@ TEST(QualifiedNameParse, CachedParsingSharesTheStoredNameAndStoresNothingOnFailu
     const QualifiedName first = QualifiedName::ParseGlobal(TString(u"[a].[b]"), cache);
     const QualifiedName second = QualifiedName::ParseLocal(TString(u"[a].[b]"), cache);
     EXPECT_EQ(cache.size(), 1u);
-    EXPECT_EQ(second, first);
-    // One shared data: one cached text.
-    EXPECT_EQ(&second.GetFullValue(), &first.GetFullValue());
+    EXPECT_EQ(&second.GetFullValue(), &first.GetFullValue()); // one shared data
 
     // The key is the raw input: a blank before it is another entry, with equal data.
     const QualifiedName third = QualifiedName::ParseGlobal(TString(u" [a].[b]"), cache);
@@ -438,55 +313,37 @@ TEST(QualifiedNameParse, CachedParsingSharesTheStoredNameAndStoresNothingOnFailu
 
     EXPECT_THROW((void)QualifiedName::ParseGlobal(TString(u"[a"), cache), QualifiedNameException);
     EXPECT_EQ(cache.size(), 2u);
-    EXPECT_EQ(cache.count(TString(u"[a")), 0u);
 }
 
-TEST(QualifiedNameParse, UnquotedAndTheConstructorTakeTheTextAsOneComponent)
+TEST(QualifiedNameParse, UnquotedConstructorAndLiteral)
 {
     const QualifiedName dotted(TString(u"a.b"));
     EXPECT_EQ(PartsOf(dotted), Parts{u"a.b"});
     EXPECT_EQ(dotted.GetFullValue(), TString(u"[a.b]"));
-    EXPECT_EQ(QualifiedName::ParseGlobal(dotted.GetFullValue()), dotted);
-    EXPECT_EQ(PartsOf(QualifiedName::ParseUnquoted(TString(u" [x] "))), Parts{u" [x] "});
-    EXPECT_EQ(QualifiedName::ParseUnquoted(TString(u" [x] ")).GetFullValue(), TString(u"[ [x]] ]"));
-}
+    const QualifiedName unquoted = QualifiedName::ParseUnquoted(TString(u" [x] "));
+    EXPECT_EQ(PartsOf(unquoted), Parts{u" [x] "});
+    EXPECT_EQ(unquoted.GetFullValue(), TString(u"[ [x]] ]"));
 
-TEST(QualifiedNameParse, LiteralParsesAndThrows)
-{
     EXPECT_EQ(PartsOf(u"[a].[b]]c]"_qn), (Parts{u"a", u"b]c"}));
-    EXPECT_EQ(PartsOf(u""_qn), Parts{});
     EXPECT_THROW(u"[a] .[b]"_qn, QualifiedNameException);
 }
 
-//===------------------------------------------------------------------------------------===//
-// The two empty names
-//===------------------------------------------------------------------------------------===//
+// ---- The two empty names ----
 
-TEST(QualifiedNameEmpty, NoComponentsAndOneEmptyComponentAreBothEmptyButNotEqual)
+TEST(QualifiedNameEmpty, TheTwoEmptyNamesDifferAndNoComponentsIsShared)
 {
     const QualifiedName none;
     const QualifiedName oneEmpty{TString()};
     EXPECT_TRUE(none.IsEmpty());
     EXPECT_TRUE(oneEmpty.IsEmpty());
     EXPECT_NE(none, oneEmpty);
-    EXPECT_EQ(none.GetNumberOfComponents(), 0u);
     EXPECT_EQ(oneEmpty.GetNumberOfComponents(), 1u);
-    EXPECT_EQ(none.GetFullValue(), TString());
-    EXPECT_EQ(oneEmpty.GetFullValue(), TString(u"[]"));
     EXPECT_NE(none.Hash(), oneEmpty.Hash());
-    EXPECT_TRUE(none < oneEmpty);
-
     // Two or more components are never empty, whatever they hold.
     EXPECT_FALSE(QualifiedName(TString(), TString()).IsEmpty());
     EXPECT_FALSE(QualifiedName(TString(u"a")).IsEmpty());
-    // Both survive the round trip.
-    EXPECT_EQ(QualifiedName::ParseGlobal(none.GetFullValue()), none);
-    EXPECT_EQ(QualifiedName::ParseGlobal(oneEmpty.GetFullValue()), oneEmpty);
-}
 
-TEST(QualifiedNameEmpty, EveryEmptyResultSharesTheOneDefaultData)
-{
-    const QualifiedName none;
+    // Every empty result shares the one default data.
     const TString* shared = &none.GetFullValue();
     QualifiedName cleared = u"[a].[b]"_qn;
     cleared.Clear();
@@ -498,76 +355,18 @@ TEST(QualifiedNameEmpty, EveryEmptyResultSharesTheOneDefaultData)
     EXPECT_EQ(&QualifiedName::ParseGlobal(TString(u"  ")).GetFullValue(), shared);
 }
 
-//===------------------------------------------------------------------------------------===//
-// Bracket form and hash
-//===------------------------------------------------------------------------------------===//
+// ---- Hash ----
 
-TEST(QualifiedNameText, BracketFormDoublesOnlyTheClosingBracket)
+TEST(QualifiedNameHash, PinnedValuesOverTheComponents)
 {
-    const struct
-    {
-        Parts parts;
-        std::u16string text;
-    } rows[] = {
-        {{}, u""},
-        {{u""}, u"[]"},
-        {{u"a"}, u"[a]"},
-        {{u"a", u"b"}, u"[a].[b]"},
-        {{u"a]b"}, u"[a]]b]"},
-        {{u"]"}, u"[]]]"},
-        {{u"a[b", u"c.d"}, u"[a[b].[c.d]"},
-        {{u"]]", u"", u"x]"}, u"[]]]]].[].[x]]]"},
-        {{std::u16string(u"\0", 1)}, std::u16string(u"[\0]", 3)},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(Show(row.text));
-        const QualifiedName name = NameOf(row.parts);
-        EXPECT_EQ(name.GetFullValue(), T(row.text));
-        // Asked again, the cached text is the same object.
-        EXPECT_EQ(&name.GetFullValue(), &name.GetFullValue());
-        EXPECT_EQ(PartsOf(QualifiedName::ParseGlobal(name.GetFullValue())), row.parts);
-    }
-}
-
-TEST(QualifiedNameText, RandomComponentListsSurviveTheRoundTrip)
-{
-    const char16_t alphabet[] = {u'a', u'Z', u']', u']', u'[', u'.', u' ', u'\0', 0xD800, 0xDFFF, 0x00E9};
-    std::mt19937 rng(7u);
-    std::uniform_int_distribution<int> count(0, 5);
-    std::uniform_int_distribution<int> length(0, 6);
-    std::uniform_int_distribution<size_t> pick(0, sizeof alphabet / sizeof alphabet[0] - 1);
-    for (int round = 0; round < 2000; ++round) {
-        Parts parts(count(rng));
-        for (std::u16string& p : parts)
-            for (int k = length(rng); k > 0; --k)
-                p += alphabet[pick(rng)];
-        const QualifiedName name = NameOf(parts);
-        SCOPED_TRACE(Show(ExpectedBracketForm(parts)));
-        EXPECT_EQ(name.GetFullValue(), T(ExpectedBracketForm(parts)));
-        const QualifiedName back = QualifiedName::ParseGlobal(name.GetFullValue());
-        EXPECT_EQ(PartsOf(back), parts);
-        EXPECT_EQ(back.Hash(), ExpectedHash(parts));
-    }
-}
-
-TEST(QualifiedNameHash, FoldsTHash32OverTheComponentsFromTheSeed)
-{
-    EXPECT_EQ(QualifiedName().Hash(), 0xDEADBEEFu);
-    const Parts samples[] = {
-        {u""}, {u"a"}, {u"a", u"b"}, {u"Sales", u"Order Date", u"Year"}, {u"a]b"}, {u"", u""},
-        {std::u16string(u"x\0y", 3)}, {u"\xD800"},
-    };
-    for (const Parts& parts : samples) {
-        const QualifiedName name = NameOf(parts);
-        EXPECT_EQ(name.Hash(), ExpectedHash(parts));
-        EXPECT_EQ(std::hash<QualifiedName>()(name), size_t(ExpectedHash(parts)));
-        // The second call answers from the cache with the same value.
-        EXPECT_EQ(name.Hash(), ExpectedHash(parts));
-    }
     // Stored hashes depend on these values; they were computed apart, with XXH32 itself.
+    EXPECT_EQ(QualifiedName().Hash(), 0xDEADBEEFu);
     EXPECT_EQ((u"[]"_qn).Hash(), 0xC372C6CBu);
     EXPECT_EQ((u"[a]"_qn).Hash(), 0xA322CEAEu);
-    EXPECT_EQ((u"[Sales].[Order Date].[Year]"_qn).Hash(), 0x4E2BD901u);
+    const QualifiedName sales = u"[Sales].[Order Date].[Year]"_qn;
+    EXPECT_EQ(sales.Hash(), 0x4E2BD901u);
+    EXPECT_EQ(sales.Hash(), 0x4E2BD901u); // again, from the cache
+    EXPECT_EQ(std::hash<QualifiedName>()(sales), size_t(0x4E2BD901u));
     // The hash is over components, not the bracket text: "[a.b]" and "[a].[b]" differ.
     EXPECT_NE((u"[a.b]"_qn).Hash(), (u"[a].[b]"_qn).Hash());
 }
@@ -577,43 +376,26 @@ TEST(QualifiedNameHash, EqualNamesMadeDifferentlyHashAlike)
     QualifiedName pushed(TString(u"b"));
     pushed.PushRoot(TString(u"a"));
     pushed.PushValue(TString(u"c"));
-    const QualifiedName names[] = {
-        u"[a].[b].[c]"_qn,
-        u"  [a].[b].[c]\t"_qn,
-        NameOf({u"a", u"b", u"c"}),
-        pushed,
-        MakeGlobalName(TString(u"a"), QualifiedName(TString(u"b"), TString(u"c"))),
-        PushValue(QualifiedName(TString(u"a"), TString(u"b")), TString(u"c")),
-        (u"[z].[a].[b].[c]"_qn).PopRootValue(),
-    };
+    const QualifiedName names[] = {u"[a].[b].[c]"_qn, u"  [a].[b].[c]\t"_qn, NameOf({u"a", u"b", u"c"}), pushed,
+                                   (u"[z].[a].[b].[c]"_qn).PopRootValue()};
     std::unordered_set<QualifiedName> set;
     for (const QualifiedName& n : names) {
         EXPECT_EQ(n, names[0]);
-        EXPECT_EQ(n.Hash(), ExpectedHash({u"a", u"b", u"c"}));
+        EXPECT_EQ(n.Hash(), names[0].Hash());
         set.insert(n);
     }
     EXPECT_EQ(set.size(), 1u);
 }
 
-//===------------------------------------------------------------------------------------===//
-// Comparison
-//===------------------------------------------------------------------------------------===//
+// ---- Comparison ----
 
 TEST(QualifiedNameCompare, OrderIsThatOfTheBracketTexts)
 {
     // Each name is less than the next. Component by component "a" < "a b" and "a" < "a.b";
     // by bracket text the unit after the component decides: " " and "." sort before "]".
-    const QualifiedName chain[] = {
-        QualifiedName(),
-        QualifiedName(TString()),
-        QualifiedName(TString(u"a b")),
-        QualifiedName(TString(u"a.b")),
-        QualifiedName(TString(u"a")),
-        QualifiedName(TString(u"a"), TString(u"b")),
-        QualifiedName(TString(u"a]")),
-        QualifiedName(TString(u"aa")),
-        QualifiedName(TString(u"b")),
-    };
+    const QualifiedName chain[] = {QualifiedName(),        QualifiedName(TString()),    QualifiedName(TString(u"a b")),
+                                   QualifiedName(TString(u"a.b")), QualifiedName(TString(u"a")), u"[a].[b]"_qn,
+                                   QualifiedName(TString(u"a]")),  QualifiedName(TString(u"aa")), QualifiedName(TString(u"b"))};
     const size_t n = sizeof chain / sizeof chain[0];
     for (size_t i = 0; i < n; ++i) {
         for (size_t j = 0; j < n; ++j) {
@@ -623,70 +405,34 @@ TEST(QualifiedNameCompare, OrderIsThatOfTheBracketTexts)
             EXPECT_EQ(chain[i] != chain[j], i != j);
             const int c = chain[i].Compare(chain[j]);
             EXPECT_EQ(c < 0, i < j);
-            EXPECT_EQ(c == 0, i == j);
             EXPECT_EQ(c > 0, i > j);
         }
     }
+    EXPECT_NE(QualifiedName(TString(u"ab")), u"[a].[b]"_qn);
+    EXPECT_NE(QualifiedName(TString(u"a"), TString()), QualifiedName(TString(u"a")));
 }
 
 TEST(QualifiedNameCompare, NoCaseComparesTheBracketTextsIgnoringCase)
 {
     EXPECT_EQ((u"[Sales].[YEAR]"_qn).CompareNoCase(u"[sales].[year]"_qn), 0);
     EXPECT_NE((u"[Sales].[YEAR]"_qn).Compare(u"[sales].[year]"_qn), 0);
-    EXPECT_NE((u"[Sales].[YEAR]"_qn), (u"[sales].[year]"_qn));
     EXPECT_LT((u"[a]"_qn).CompareNoCase(u"[B]"_qn), 0);
     EXPECT_GT((u"[a]"_qn).Compare(u"[B]"_qn), 0); // "a" (0x61) after "B" (0x42)
-}
-
-TEST(QualifiedNameCompare, EqualityNeedsTheSameCountAndComponents)
-{
-    EXPECT_EQ(QualifiedName(TString(u"a"), TString(u"b")), u"[a].[b]"_qn);
-    EXPECT_NE(QualifiedName(TString(u"a"), TString(u"b")), u"[a].[b].[c]"_qn);
-    EXPECT_NE(QualifiedName(TString(u"a"), TString(u"b")), u"[a].[c]"_qn);
-    EXPECT_NE(QualifiedName(TString(u"ab")), u"[a].[b]"_qn);
-    EXPECT_NE(QualifiedName(TString(u"a"), TString()), QualifiedName(TString(u"a")));
 }
 
 TEST(QualifiedNameCompare, LeafFunctorOrdersByLowerCasedLeaf)
 {
     std::vector<QualifiedName> names = {u"[x].[gamma]"_qn, u"[Beta]"_qn, u"[z].[y].[ALPHA]"_qn, u"[b].[Delta]"_qn};
     std::sort(names.begin(), names.end(), QualifiedNameCompareLeafValueNoCase());
-    std::vector<TString> leaves;
-    for (const QualifiedName& n : names)
-        leaves.push_back(n.GetLeafValue());
-    EXPECT_EQ(leaves, (std::vector<TString>{TString(u"ALPHA"), TString(u"Beta"), TString(u"Delta"), TString(u"gamma")}));
+    EXPECT_EQ(names, (std::vector<QualifiedName>{u"[z].[y].[ALPHA]"_qn, u"[Beta]"_qn, u"[b].[Delta]"_qn, u"[x].[gamma]"_qn}));
 
     const QualifiedNameCompareLeafValueNoCase less;
     EXPECT_FALSE(less(u"[A]"_qn, u"[a]"_qn));
     EXPECT_FALSE(less(u"[a]"_qn, u"[A]"_qn));
-    try {
-        (void)less(QualifiedName(), u"[a]"_qn);
-        FAIL() << "no assertion";
-    } catch (const LogicException& e) {
-        EXPECT_EQ(e.GetErrorInfo().GetError().GetCode(), 0x995B56B5u);
-    }
+    ExpectLogicFailure([&] { (void)less(QualifiedName(), u"[a]"_qn); }, 0x995B56B5u, "!m_data->m_components.empty()");
 }
 
-//===------------------------------------------------------------------------------------===//
-// Reading and changing
-//===------------------------------------------------------------------------------------===//
-
-namespace {
-// Runs `f`, expecting the logic assertion with `code` whose message names `condition`.
-template <typename F>
-void ExpectAssertion(F&& f, uint32_t code, const char* condition, const char* file)
-{
-    try {
-        f();
-        ADD_FAILURE() << "no assertion for " << condition;
-    } catch (const LogicException& e) {
-        EXPECT_EQ(e.GetErrorInfo().GetError().GetCode(), code) << condition;
-        const std::string message = e.GetMessagesFront().toStdString();
-        EXPECT_NE(message.find(std::string("logic assertion failed: ") + condition), std::string::npos) << message;
-        EXPECT_EQ(message.rfind(file, 0), 0u) << message;
-    }
-}
-} // namespace
+// ---- Reading and changing ----
 
 TEST(QualifiedNameRead, RootLeafAndComponents)
 {
@@ -695,30 +441,22 @@ TEST(QualifiedNameRead, RootLeafAndComponents)
     EXPECT_EQ(name.GetLeafValue(), TString(u"c"));
     EXPECT_EQ(name.TryGetRootValue(), TString(u"a"));
     EXPECT_EQ(name.TryGetLeafValue(), TString(u"c"));
-    EXPECT_EQ(name.GetComponent(1), TString(u"b"));
-    EXPECT_EQ(name.GetComponents().size(), 3u);
     EXPECT_EQ(name.GetComponents()[2], TString(u"c"));
     // The bound admits the count itself, which reads as the empty text.
     EXPECT_EQ(name.GetComponent(3), TString());
     EXPECT_EQ(QualifiedName().GetComponent(0), TString());
-    ExpectAssertion([&] { (void)name.GetComponent(4); }, 0x71586053u, "i <= m_data->m_components.size()",
-                    "data/QualifiedName.cpp");
+    ExpectLogicFailure([&] { (void)name.GetComponent(4); }, 0x71586053u, "i <= m_data->m_components.size()");
 
     const QualifiedName none;
     EXPECT_EQ(none.TryGetRootValue(), TString());
     EXPECT_EQ(none.TryGetLeafValue(), TString());
-    ExpectAssertion([&] { (void)none.GetRootValue(); }, 0x018B7D29u, "!m_data->m_components.empty()",
-                    "data/QualifiedName.cpp");
-    ExpectAssertion([&] { (void)none.GetLeafValue(); }, 0x995B56B5u, "!m_data->m_components.empty()",
-                    "data/QualifiedName.cpp");
-}
+    ExpectLogicFailure([&] { (void)none.GetRootValue(); }, 0x018B7D29u, "!m_data->m_components.empty()");
+    ExpectLogicFailure([&] { (void)none.GetLeafValue(); }, 0x995B56B5u, "!m_data->m_components.empty()");
 
-TEST(QualifiedNameRead, SizeEstimateCountsOnlyTheComponentText)
-{
     EXPECT_EQ(QualifiedName().EstimateSizeOfReferencedMemoryInBytes(), 0u);
-    const QualifiedName name(TString(u"ab"), TString(u"c]"));
-    (void)name.GetFullValue(); // the cached "[ab].[c]]]" is not counted
-    EXPECT_EQ(name.EstimateSizeOfReferencedMemoryInBytes(), 8u);
+    const QualifiedName sized(TString(u"ab"), TString(u"c]"));
+    (void)sized.GetFullValue(); // the cached "[ab].[c]]]" is not counted
+    EXPECT_EQ(sized.EstimateSizeOfReferencedMemoryInBytes(), 8u);
 }
 
 TEST(QualifiedNameChange, InPlaceChangesLeaveOtherHoldersAlone)
@@ -728,7 +466,6 @@ TEST(QualifiedNameChange, InPlaceChangesLeaveOtherHoldersAlone)
     name.PushValue(TString(u"c"));
     name.PushRoot(TString(u"r"));
     EXPECT_EQ(PartsOf(name), (Parts{u"r", u"a", u"b", u"c"}));
-    EXPECT_EQ(PartsOf(before), (Parts{u"a", u"b"}));
     EXPECT_EQ(before.GetFullValue(), TString(u"[a].[b]"));
 
     EXPECT_EQ(name.PopValue(), TString(u"c"));
@@ -738,33 +475,29 @@ TEST(QualifiedNameChange, InPlaceChangesLeaveOtherHoldersAlone)
     name.ReplaceRoot(TString(u"A"));
     EXPECT_EQ(PartsOf(name), (Parts{u"A", u"B"}));
     name.SetRootValue(TString(u"S"));
-    EXPECT_EQ(PartsOf(name), (Parts{u"S", u"B"}));
     // A change made after the caches were filled gives fresh caches.
     EXPECT_EQ(name.GetFullValue(), TString(u"[S].[B]"));
-    EXPECT_EQ(name.Hash(), ExpectedHash({u"S", u"B"}));
-
+    EXPECT_EQ(name.Hash(), (u"[S].[B]"_qn).Hash());
     name.Clear();
     EXPECT_EQ(name.GetNumberOfComponents(), 0u);
     EXPECT_EQ(PartsOf(before), (Parts{u"a", u"b"}));
-}
 
-TEST(QualifiedNameChange, PopsOnNoComponentsChangeNothing)
-{
     QualifiedName none;
     EXPECT_EQ(none.PopValue(), TString());
     EXPECT_EQ(none.PopRoot(), TString());
     EXPECT_EQ(none.GetNumberOfComponents(), 0u);
+    ExpectLogicFailure([&] { none.ReplaceValue(TString(u"v")); }, 0xA8C5A1E9u, "!m_data->m_components.empty()");
+    ExpectLogicFailure([&] { none.ReplaceRoot(TString(u"v")); }, 0x4181ADF3u, "!m_data->m_components.empty()");
+    ExpectLogicFailure([&] { none.SetRootValue(TString(u"v")); }, 0x4181ADF3u, "!m_data->m_components.empty()");
 
-    QualifiedName one(TString(u"x"));
-    EXPECT_EQ(one.PopRoot(), TString(u"x"));
-    EXPECT_EQ(one.GetNumberOfComponents(), 0u);
-
-    ExpectAssertion([&] { none.ReplaceValue(TString(u"v")); }, 0xA8C5A1E9u, "!m_data->m_components.empty()",
-                    "data/QualifiedName.cpp");
-    ExpectAssertion([&] { none.ReplaceRoot(TString(u"v")); }, 0x4181ADF3u, "!m_data->m_components.empty()",
-                    "data/QualifiedName.cpp");
-    ExpectAssertion([&] { none.SetRootValue(TString(u"v")); }, 0x4181ADF3u, "!m_data->m_components.empty()",
-                    "data/QualifiedName.cpp");
+    // Swap exchanges the data, a copy shares it.
+    QualifiedName a = u"[a]"_qn;
+    QualifiedName b = u"[b].[c]"_qn;
+    const TString* textOfA = &a.GetFullValue();
+    a.Swap(b);
+    EXPECT_EQ(PartsOf(a), (Parts{u"b", u"c"}));
+    EXPECT_EQ(&b.GetFullValue(), textOfA);
+    EXPECT_EQ(&QualifiedName(b).GetFullValue(), textOfA);
 }
 
 TEST(QualifiedNameChange, ConstFormsMakeNewNames)
@@ -774,7 +507,6 @@ TEST(QualifiedNameChange, ConstFormsMakeNewNames)
     EXPECT_EQ(PartsOf(name.PopLeafValue()), (Parts{u"a", u"b"}));
     EXPECT_EQ(PartsOf(name.PopLeafValue(out)), (Parts{u"a", u"b"}));
     EXPECT_EQ(out, TString(u"c"));
-    EXPECT_EQ(PartsOf(name.PopRootValue()), (Parts{u"b", u"c"}));
     EXPECT_EQ(PartsOf(name.PopRootValue(out)), (Parts{u"b", u"c"}));
     EXPECT_EQ(out, TString(u"a"));
     EXPECT_EQ(PartsOf(name.PushLeafValue(TString(u"d"))), (Parts{u"a", u"b", u"c", u"d"}));
@@ -784,34 +516,16 @@ TEST(QualifiedNameChange, ConstFormsMakeNewNames)
     EXPECT_EQ(PartsOf(name), (Parts{u"a", u"b", u"c"}));
 
     const QualifiedName none;
-    out = TString(u"stale");
     EXPECT_EQ(none.PopLeafValue(out).GetNumberOfComponents(), 0u);
     EXPECT_TRUE(out.isEmpty());
     out = TString(u"stale");
     EXPECT_EQ(none.PopRootValue(out).GetNumberOfComponents(), 0u);
     EXPECT_TRUE(out.isEmpty());
-    EXPECT_EQ(PartsOf(none.PushLeafValue(TString(u"x"))), Parts{u"x"});
-    ExpectAssertion([&] { (void)none.ReplaceRootValue(TString(u"v")); }, 0xE7D6FD7Cu,
-                    "!m_data->m_components.empty()", "data/QualifiedName.cpp");
-    ExpectAssertion([&] { (void)none.ReplaceLeafValue(TString(u"v")); }, 0x1A407BE2u,
-                    "!m_data->m_components.empty()", "data/QualifiedName.cpp");
+    ExpectLogicFailure([&] { (void)none.ReplaceRootValue(TString(u"v")); }, 0xE7D6FD7Cu, "!m_data->m_components.empty()");
+    ExpectLogicFailure([&] { (void)none.ReplaceLeafValue(TString(u"v")); }, 0x1A407BE2u, "!m_data->m_components.empty()");
 }
 
-TEST(QualifiedNameChange, SwapAndCopyShareOrExchangeTheData)
-{
-    QualifiedName a = u"[a]"_qn;
-    QualifiedName b = u"[b].[c]"_qn;
-    const TString* textOfA = &a.GetFullValue();
-    a.Swap(b);
-    EXPECT_EQ(PartsOf(a), (Parts{u"b", u"c"}));
-    EXPECT_EQ(&b.GetFullValue(), textOfA);
-    const QualifiedName copy = b;
-    EXPECT_EQ(&copy.GetFullValue(), textOfA);
-}
-
-//===------------------------------------------------------------------------------------===//
-// Free helpers
-//===------------------------------------------------------------------------------------===//
+// ---- Free helpers ----
 
 TEST(MakeQualifiedName, TheThreeLocalFormsDisagreeOnOneComponent)
 {
@@ -824,7 +538,6 @@ TEST(MakeQualifiedName, TheThreeLocalFormsDisagreeOnOneComponent)
     } rows[] = {
         {{}, {}, {}, u""},
         {{u"a"}, {u"a"}, {}, u"a"},
-        {{u"a", u"b"}, {u"b"}, {u"b"}, u"a"},
         {{u"a", u"b", u"c"}, {u"b", u"c"}, {u"b", u"c"}, u"a"},
         {{u"", u""}, {u""}, {u""}, u""},
     };
@@ -851,33 +564,25 @@ TEST(MakeQualifiedName, GlobalReplaceAndPush)
     EXPECT_EQ(PartsOf(PushValue(name, TString(u"d"))), (Parts{u"b", u"c", u"d"}));
     EXPECT_EQ(PartsOf(name), (Parts{u"b", u"c"}));
 
-    ExpectAssertion([] { (void)ReplaceValue(QualifiedName(), TString(u"x")); }, 0x2EC106E1u,
-                    "name.GetNumberOfComponents() > 0", "data/MakeQualifiedName.cpp");
-    ExpectAssertion([] { (void)ReplaceRoot(QualifiedName(), TString(u"x")); }, 0xA754925Du,
-                    "name.GetNumberOfComponents() > 0", "data/MakeQualifiedName.cpp");
+    ExpectLogicFailure([] { (void)ReplaceValue(QualifiedName(), TString(u"x")); }, 0x2EC106E1u,
+                       "name.GetNumberOfComponents() > 0");
+    ExpectLogicFailure([] { (void)ReplaceRoot(QualifiedName(), TString(u"x")); }, 0xA754925Du,
+                       "name.GetNumberOfComponents() > 0");
 }
 
-//===------------------------------------------------------------------------------------===//
-// Output, exceptions
-//===------------------------------------------------------------------------------------===//
+// ---- Output, exceptions ----
 
 TEST(QualifiedNameOutput, StreamsTheBracketFormAndContainers)
 {
-    std::ostringstream one;
-    one << u"[Straße].[a]]b]"_qn;
-    EXPECT_EQ(one.str(), "[Stra\xC3\x9F" "e].[a]]b]");
-
-    std::ostringstream list;
-    list << std::vector<QualifiedName>{u"[b]"_qn, u"[a].[c]"_qn, QualifiedName()};
-    EXPECT_EQ(list.str(), "{[b], [a].[c], }");
-
-    std::ostringstream set;
-    set << std::set<QualifiedName>{u"[b]"_qn, u"[a].[c]"_qn, u"[b]"_qn};
-    EXPECT_EQ(set.str(), "{[a].[c], [b]}");
-
-    std::ostringstream none;
-    none << std::vector<QualifiedName>{};
-    EXPECT_EQ(none.str(), "{}");
+    const auto streamed = [](const auto& value) {
+        std::ostringstream out;
+        out << value;
+        return out.str();
+    };
+    EXPECT_EQ(streamed(u"[Straße].[a]]b]"_qn), "[Stra\xC3\x9F" "e].[a]]b]");
+    EXPECT_EQ(streamed(std::vector<QualifiedName>{u"[b]"_qn, u"[a].[c]"_qn, QualifiedName()}), "{[b], [a].[c], }");
+    EXPECT_EQ(streamed(std::set<QualifiedName>{u"[b]"_qn, u"[a].[c]"_qn, u"[b]"_qn}), "{[a].[c], [b]}");
+    EXPECT_EQ(streamed(std::vector<QualifiedName>{}), "{}");
 }
 
 TEST(QualifiedNameExceptions, CarriesInputAndKeepsItsTypeAcrossThreads)
@@ -888,42 +593,26 @@ TEST(QualifiedNameExceptions, CarriesInputAndKeepsItsTypeAcrossThreads)
     EXPECT_EQ(int(plain.GetErrorInfo().GetStatusCode()), 2);
 
     std::unique_ptr<MurvaneException> carried;
-    std::thread worker([&] {
-        try {
-            (void)QualifiedName::ParseGlobal(TString(u" [a"));
-        } catch (const MurvaneException& e) {
-            carried.reset(e.Clone());
-        }
-    });
+    std::thread worker([&] { carried = Caught([] { (void)QualifiedName::ParseGlobal(TString(u" [a")); }); });
     worker.join();
-    ASSERT_NE(carried, nullptr);
-    try {
-        carried->Throw();
-    } catch (const QualifiedFieldNameParseException& e) {
-        EXPECT_EQ(e.GetInput(), TString(u"[a"));
-        EXPECT_EQ(ErrorCodeOf(e), 0x5F1F540Au);
-        return;
-    } catch (...) {
-    }
-    FAIL() << "the rethrown exception lost its type";
+    const auto again = Caught([&] { carried->Throw(); });
+    const auto* e = dynamic_cast<const QualifiedFieldNameParseException*>(again.get());
+    ASSERT_NE(e, nullptr) << "the rethrown exception lost its type";
+    EXPECT_EQ(e->GetInput(), TString(u"[a"));
+    EXPECT_EQ(ErrorCodeOf(*e), 0x5F1F540Au);
 }
 
-//===------------------------------------------------------------------------------------===//
-// Cost and threads
-//===------------------------------------------------------------------------------------===//
+// ---- Cost and threads ----
 
 TEST(QualifiedNameCost, ATwoPartNameIsOneAllocation)
 {
     const TString root(u"a root long enough to live on the heap");
     const TString leaf(u"leaf");
-    QualifiedName two;
-    EXPECT_EQ(CountAllocations([&] { two = QualifiedName(root, leaf); }), 1u);
-    QualifiedName parsed;
     const TString text(u"[Sales].[Order Date]");
+    QualifiedName two, parsed, three;
+    EXPECT_EQ(CountAllocations([&] { two = QualifiedName(root, leaf); }), 1u);
     EXPECT_EQ(CountAllocations([&] { parsed = QualifiedName::ParseGlobal(text); }), 1u);
-    EXPECT_EQ(parsed.GetNumberOfComponents(), 2u);
     // A third component leaves the inline space: the list takes a block of its own.
-    QualifiedName three;
     EXPECT_EQ(CountAllocations([&] { three = QualifiedName::ParseGlobal(TString(u"[a].[b].[c]")); }), 2u);
 
     // Copies, equality, the hash and a cached bracket form allocate nothing.
@@ -940,7 +629,6 @@ TEST(QualifiedNameCost, ATwoPartNameIsOneAllocation)
               0u);
     EXPECT_TRUE(equal);
     EXPECT_FALSE(less);
-    // The empty name shares one data.
     EXPECT_EQ(CountAllocations([] { QualifiedName none; (void)none; }), 0u);
 }
 
@@ -949,7 +637,7 @@ TEST(QualifiedNameThreads, ManyReadersOfOneFreshNameSeeOneTextAndOneHash)
     const int threadCount = 8;
     const Parts parts = {u"a component long enough ]] to be worth caching", u"b", u"c]"};
     const std::u16string expectedText = ExpectedBracketForm(parts);
-    const uint32_t expectedHash = ExpectedHash(parts);
+    const uint32_t expectedHash = NameOf(parts).Hash(); // filled on one thread
 
     for (int round = 0; round < 50; ++round) {
         // A fresh name each round, so that the threads race to fill its caches.
