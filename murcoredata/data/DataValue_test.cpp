@@ -15,7 +15,6 @@
 #include <limits>
 #include <mutex>
 #include <sstream>
-#include <unordered_set>
 #include <vector>
 
 using Special = DataValueTypes::Special;
@@ -183,24 +182,11 @@ TEST(DataValue, HeadersAreWrittenAsTheTableSays)
     }
 }
 
-TEST(DataValue, ADefaultValueIsAnUnknownNull)
-{
-    const DataValue v;
-    EXPECT_EQ(v.GetType(), DataType::Unknown);
-    EXPECT_TRUE(v.IsNull());
-    EXPECT_FALSE(v.IsMissing());
-    EXPECT_EQ(v.FormatAsLiteral(), TString(u"NULL"));
-    EXPECT_THROW(v.GetInt(), MurvaneException);
-}
-
 TEST(DataValue, SettersReplaceTheWholeHeader)
 {
     DataValue v(1.25, 6, 3);
-    EXPECT_EQ(v.GetPrecision(), 6);
-    EXPECT_EQ(v.GetScale(), 3);
     v.SetInt(5);
     EXPECT_EQ(BytesOf(v), BytesOf(DataValue(5)));
-    EXPECT_EQ(v.GetPrecision(), -1);
 
     // A boolean clears the whole payload word: all of it takes part in equality.
     v.SetReal(RealOfBits(0xFFFFFFFFFFFFFFFFull));
@@ -222,13 +208,10 @@ TEST(DataValue, SettersReplaceTheWholeHeader)
 TEST(DataValue, PrecisionAndScaleAreTotal)
 {
     const DataValue decimal(2.5, 10, 0);
-    EXPECT_TRUE(decimal.HasPrecision());
     EXPECT_TRUE(decimal.HasScale()); // scale 0 is a scale
     EXPECT_EQ(decimal.GetScale(), 0);
-    const DataValue plain = DataValue::FromDouble(2.5);
-    EXPECT_FALSE(plain.HasPrecision());
-    EXPECT_FALSE(plain.HasScale());
-    EXPECT_EQ(plain.GetPrecision(), -1);
+    EXPECT_FALSE(DataValue::FromDouble(2.5).HasPrecision());
+    EXPECT_EQ(DataValue::FromDouble(2.5).GetPrecision(), -1);
     // Only a real has decimals, whatever the fields hold.
     EXPECT_EQ(DataValue(7).GetPrecision(), -1);
     EXPECT_FALSE(DataValue(7).HasScale());
@@ -246,7 +229,6 @@ TEST(DataValue, MakersAndLiterals)
     EXPECT_EQ((-1_dv).GetInt(), -1);
     // The literal of 2^63 wraps to the smallest integer, so the text of INT64_MIN works.
     EXPECT_EQ((-9223372036854775808_dv).GetInt(), kInt64Min);
-    EXPECT_EQ(DataValue(kInt64Max).GetInt(), kInt64Max);
     EXPECT_EQ(DataValue(int(-5)).GetInt(), -5); // sign-extended
 }
 
@@ -259,11 +241,8 @@ TEST(DataValue, CheckedGettersLookAtTheTypeOnly)
     EXPECT_EQ(DataValue(Special::Null, DataType::Integer).GetInt(), 0);
     EXPECT_EQ(DataValue(Special::Missing, DataType::Real).GetReal(), 0.0);
     EXPECT_FALSE(DataValue(Special::All, DataType::Boolean).GetBool());
-    EXPECT_EQ(DataValue(-3).GetInt(), -3);
     EXPECT_EQ(DataValue::FromDouble(-0.5).GetReal(), -0.5);
     EXPECT_TRUE(DataValue(true).GetBool());
-    // A real getter does not take an integer, nor the reverse.
-    EXPECT_THROW(DataValue(1).GetReal(), MurvaneException);
     EXPECT_THROW(DataValue::FromDouble(1.0).GetInt(), MurvaneException);
     EXPECT_THROW(DataValue(1).GetBool(), MurvaneException);
     // Unchecked getters read the payload as they are told.
@@ -303,7 +282,7 @@ TEST(DataValue, IncorrectTypeFailureCarriesItsSiteAndMessage)
     ASSERT_EQ(scoped.sink->events.size(), 4u);
 }
 
-TEST(DataValue, IncorrectTypeFailureLogsItsEvent)
+TEST(DataValue, IncorrectTypeFailureLogsItsEventAtWarning)
 {
     ScopedSink scoped(TLog::Warning);
     EXPECT_THROW(DataValue(Special::Null, DataType::Date).GetReal(), MurvaneException);
@@ -314,16 +293,12 @@ TEST(DataValue, IncorrectTypeFailureLogsItsEvent)
     EXPECT_TRUE(json.contains(TString(u"\"actual\":\"date\""))) << json.toStdString();
     EXPECT_TRUE(json.contains(TString(u"\"expected\":\"real\""))) << json.toStdString();
     EXPECT_TRUE(json.contains(TString(u"\"msg\":\"Incorrect data type date, getting expected real type.\"")));
-    // The place of the failure: the thread and the stack.
     EXPECT_TRUE(json.contains(TString(u"\"stack\":\"")));
     EXPECT_TRUE(json.contains(TString(u"\"thread\":\"")));
-}
-
-TEST(DataValue, IncorrectTypeFailureIsQuietBelowTheLogLevel)
-{
-    ScopedSink scoped(TLog::Error);
+    // Quiet below the log level.
+    TLog::Logger::Get().SetMinimumSeverity(TLog::Error);
     EXPECT_THROW(DataValue(true).GetInt(), MurvaneException);
-    EXPECT_TRUE(scoped.sink->events.empty());
+    EXPECT_EQ(scoped.sink->events.size(), 1u);
 }
 
 TEST(DataValue, ATypeByteWithoutANameFailsToEncode)
@@ -348,13 +323,11 @@ TEST(DataValue, TuplesHaveNoSpecials)
     EXPECT_EQ(made->GetErrorInfo().GetError().GetCode(), 0xC3E581B1u);
     EXPECT_EQ(made->GetErrorInfo().GetError().GetName(), TString(u"MurvaneException_AutoGen_0xC3E581B1"));
     EXPECT_EQ(int(made->GetErrorInfo().GetSource()), 4);
-    EXPECT_EQ(int(made->GetErrorInfo().GetStatusCode()), 2);
 
     DataValue v(5);
     const auto set = Caught([&] { v.MakeSpecial(Special::Missing, DataType::Tuple); });
     EXPECT_EQ(set->GetMessagesFront(), TString(u"DataValue::MakeSpecial: bad argument"));
     EXPECT_EQ(set->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
-    EXPECT_EQ(int(set->GetErrorInfo().GetSource()), 4);
     EXPECT_EQ(v, DataValue(5)); // unchanged
     EXPECT_EQ(Caught([&] { v.SetNull(DataType::Tuple); })->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
 }
@@ -393,18 +366,12 @@ TEST(DataValue, IntegersAndRealsNeverEqualButAreOrderedOnTheRealLine)
     ExpectOrdered(DataValue::FromDouble(std::nextafter(9223372036854775808.0, 0.0)), DataValue(kInt64Max));
     // Beyond 2^53 integers round to the nearest double, ties to even.
     ExpectUnordered(DataValue(9007199254740993ll), DataValue::FromDouble(9007199254740992.0));
-    ExpectOrdered(DataValue(9007199254740993ll), DataValue::FromDouble(9007199254740994.0));
     ExpectUnordered(DataValue(9007199254740995ll), DataValue::FromDouble(9007199254740996.0));
-    ExpectOrdered(DataValue::FromDouble(9007199254740994.0), DataValue(9007199254740995ll));
     // ... but against each other the integers keep their order.
     ExpectOrdered(DataValue(9007199254740992ll), DataValue(9007199254740993ll));
-    ExpectOrdered(DataValue(kInt64Min), DataValue(kInt64Min + 1));
-    // A NaN is on no side of an integer.
     ExpectUnordered(DataValue(0), DataValue::FromDouble(kNaN));
     // Specials are not looked at across the two types: a null integer counts as 0.
     ExpectOrdered(DataValue(Special::Null, DataType::Integer), DataValue::FromDouble(0.5));
-    ExpectOrdered(DataValue::FromDouble(-0.5), DataValue(Special::Missing, DataType::Integer));
-    ExpectOrdered(DataValue(Special::Null, DataType::Real), DataValue(1));
     ExpectUnordered(DataValue(Special::Null, DataType::Integer), DataValue::FromDouble(0.0));
 }
 
@@ -419,7 +386,6 @@ TEST(DataValue, RealEqualityIsBitwise)
     ExpectUnordered(DataValue::FromDouble(kNaN), DataValue::FromDouble(otherNaN));
     ExpectUnordered(DataValue::FromDouble(kNaN), DataValue::FromDouble(1.0));
     // Decimals take no part in equality, order or hash.
-    ExpectEqual(DataValue(1.5, 10, 2), DataValue::FromDouble(1.5));
     ExpectEqual(DataValue(1.5, 10, 2), DataValue(1.5, 3, -1));
     ExpectOrdered(DataValue(1.25, 10, 2), DataValue(1.5, 2, 1));
 }
@@ -427,7 +393,7 @@ TEST(DataValue, RealEqualityIsBitwise)
 TEST(DataValue, SpecialsAreOrderedWithNullFirst)
 {
     // Within one type: Null, then the ordinary values, then the other specials by number.
-    for (DataType type : {DataType::Integer, DataType::Real, DataType::String, DataType::Boolean, DataType::Unknown}) {
+    for (DataType type : {DataType::Integer, DataType::Real, DataType::String, DataType::Unknown}) {
         SCOPED_TRACE(int(type));
         std::vector<DataValue> chain;
         chain.emplace_back(Special::Null, type);
@@ -444,13 +410,11 @@ TEST(DataValue, SpecialsAreOrderedWithNullFirst)
     // A null is below every ordinary value of its type, however small.
     ExpectOrdered(DataValue(Special::Null, DataType::Integer), DataValue(kInt64Min));
     ExpectOrdered(DataValue(Special::Null, DataType::Real), DataValue::FromDouble(-kInf));
-    ExpectOrdered(DataValue(Special::Null, DataType::Boolean), DataValue(false));
     // ... and an ordinary value below every other special, however large.
     ExpectOrdered(DataValue(kInt64Max), DataValue(Special::All, DataType::Integer));
     // Specials from documents may be negative: signed comparison.
     ExpectOrdered(DataValueTestPeer::Raw(0, -3, 0), DataValue(5));
     ExpectOrdered(DataValue(Special::Null, DataType::Integer), DataValueTestPeer::Raw(0, -3, 0));
-    // Equal specials of one type are equal.
     ExpectEqual(DataValue(Special::Wildcard, DataType::Date), DataValue(Special::Wildcard, DataType::Date));
 }
 
@@ -472,14 +436,13 @@ TEST(DataValue, UnlikeTypesAreOrderedByTheirNumber)
     }
     // Whatever the numbers say, the type comes first.
     ExpectOrdered(DataValue(kInt64Max), DataValue(Special::Null, DataType::String));
-    ExpectOrdered(DataValue::FromDouble(1e300), DataValue(false));
     ExpectOrdered(DataValue(true), DataValue());
 }
 
 TEST(DataValue, OrderWithinAType)
 {
-    ExpectOrdered(DataValue(-1), DataValue(0));
-    ExpectOrdered(DataValue(kInt64Min), DataValue(kInt64Max));
+    ExpectOrdered(DataValue(kInt64Min), DataValue(kInt64Min + 1));
+    ExpectOrdered(DataValue(-1), DataValue(kInt64Max));
     ExpectOrdered(DataValue(false), DataValue(true));
     ExpectOrdered(DataValue::FromDouble(-kInf), DataValue::FromDouble(-1e308));
     ExpectOrdered(DataValue::FromDouble(1e308), DataValue::FromDouble(kInf));
@@ -493,26 +456,6 @@ TEST(DataValue, OrderWithinAType)
     ExpectUnordered(DataValueTestPeer::Raw(8, 0, 1), DataValueTestPeer::Raw(8, 0, 2));
     ExpectUnordered(DataValueTestPeer::Raw(11, 0, 1), DataValueTestPeer::Raw(11, 0, 2));
     ExpectUnordered(DataValueTestPeer::Raw(40, 0, 1), DataValueTestPeer::Raw(40, 0, 2));
-}
-
-TEST(DataValue, SortingMixedValues)
-{
-    std::vector<DataValue> values = {
-        DataValue(true),  DataValue(3), DataValue(Special::Null, DataType::Integer), DataValue(-7),
-        DataValue(),      DataValue(Special::All, DataType::Integer), DataValue(false), DataValue(kInt64Min),
-    };
-    std::sort(values.begin(), values.end());
-    // The null integer first, the integers, the special All of integers, then the booleans and
-    // the unknown null by type number.
-    const std::vector<std::string> expected = {"NULL", "-9223372036854775808", "-7", "3", "%all%", "false", "true", "NULL"};
-    ASSERT_EQ(values.size(), expected.size());
-    for (size_t i = 0; i < values.size(); ++i) {
-        SCOPED_TRACE(i);
-        const DataValue& v = values[i];
-        EXPECT_EQ(v.GetSpecial() == Special::All ? std::string("%all%") : v.FormatAsLiteral().toStdString(), expected[i]);
-    }
-    EXPECT_EQ(values.front().GetType(), DataType::Integer);
-    EXPECT_EQ(values.back().GetType(), DataType::Unknown);
 }
 
 //===----------------------------------------------------------------------===//
@@ -585,11 +528,9 @@ TEST(DataValue, InlineHashAgreesWithTheGeneralRoutine)
     for (int i = 0; i < 100000; ++i) {
         const uint64_t payload = next();
         uint64_t header = next();
-        // Strings, tuples and spatial values hash their objects, which random bytes are not:
-        // those three type bytes are moved out of the enumeration.
+        // Strings, tuples and shapes hash their objects, which random bytes are not.
         if (uint8_t(header) == 2 || uint8_t(header) == 6 || uint8_t(header) == 7)
             header |= 0x80;
-        // Any header, including bytes no setter writes; the type byte picks the row.
         DataValue v = DataValueTestPeer::RawWords(header, payload);
         uint8_t bytes[16];
         std::memcpy(bytes, static_cast<const void*>(&v), sizeof bytes);
@@ -599,30 +540,12 @@ TEST(DataValue, InlineHashAgreesWithTheGeneralRoutine)
         const uint32_t actual = v.Hash();
         DataValueTestPeer::Forget(v);
         ASSERT_EQ(actual, expected) << i;
-        // And every real payload, since reals take the short form.
         const DataValue real = DataValue::FromDouble(RealOfBits(payload));
         const uint8_t realType = 1;
         ASSERT_EQ(real.Hash(), THash32(&payload, 8, THash32(&realType, 1, 0xDEADBEEFu))) << i;
     }
     const uint8_t anyByte = 0x5A;
     EXPECT_EQ(Implementation::THash32OfByte(anyByte, 77u), THash32(&anyByte, 1, 77u));
-}
-
-TEST(DataValue, EqualValuesCollapseInAHashSet)
-{
-    std::unordered_set<DataValue> set;
-    set.insert(DataValue::FromDouble(1.5));
-    set.insert(DataValue(1.5, 9, 2));
-    set.insert(1.5_dv);
-    set.insert(DataValue(7));
-    set.insert(DataValue(long(7)));
-    set.insert(7_dv);
-    set.insert(DataValue::FromDouble(kNaN));
-    set.insert(DataValue::FromDouble(kNaN));
-    EXPECT_EQ(set.size(), 3u);
-    // 7 and 7.0 are different values.
-    set.insert(DataValue::FromDouble(7.0));
-    EXPECT_EQ(set.size(), 4u);
 }
 
 //===----------------------------------------------------------------------===//
@@ -636,11 +559,9 @@ TEST(DataValue, LiteralForm)
         DataValue value;
         const char16_t* literal;
     } rows[] = {
-        {DataValue(42), u"42"},
         {DataValue(-7), u"-7"},
         {DataValue(kInt64Min), u"-9223372036854775808"},
         {DataValue(kInt64Max), u"9223372036854775807"},
-        {DataValue::FromDouble(3.0), u"3."},
         {DataValue::FromDouble(-3.0), u"-3."},
         {DataValue::FromDouble(0.0), u"0."},
         // Negative zero keeps its sign and reads back as itself.
@@ -649,7 +570,6 @@ TEST(DataValue, LiteralForm)
         {DataValue::FromDouble(0.1), u"0.10000000000000001"},
         {DataValue::FromDouble(1e16), u"10000000000000000."},
         {DataValue::FromDouble(1e17), u"1e+17"},
-        {DataValue::FromDouble(1e20), u"1e+20"},
         {DataValue::FromDouble(1e300), u"1.0000000000000001e+300"},
         {DataValue::FromDouble(1e-5), u"1.0000000000000001e-05"},
         {DataValue::FromDouble(kNaN), u"nan"},
@@ -660,7 +580,6 @@ TEST(DataValue, LiteralForm)
         {DataValue(false), u"false"},
         {DataValue(), u"NULL"},
         {DataValue(Special::Null, DataType::Integer), u"NULL"},
-        {DataValue(Special::Null, DataType::String), u"NULL"},
         // Kinds without a literal give the empty text.
         {DataValueTestPeer::Raw(8, 0, 0), u""},
         {DataValueTestPeer::Raw(9, 0, 0), u""},
@@ -671,6 +590,9 @@ TEST(DataValue, LiteralForm)
         SCOPED_TRACE(TString(row.literal).toStdString());
         EXPECT_EQ(row.value.FormatAsLiteral(), TString(row.literal));
     }
+    std::ostringstream out;
+    out << DataValue(42) << ' ' << DataValue::FromDouble(3.0) << ' ' << DataValue();
+    EXPECT_EQ(out.str(), "\"42\" \"3.\" \"NULL\"");
 }
 
 TEST(DataValue, OnlyNullHasALiteralAmongTheSpecials)
@@ -696,13 +618,11 @@ TEST(DataValue, PrintableStrings)
         {u"", "\"\""},
         {u"abc", "\"abc\""},
         {u"\u00E9", "\"\\x00E9\""},
-        {u"\t", "\"\\t\""},
         {u"a\nb\rc", "\"a\\nb\\rc\""},
         {u"\\ \" '", "\"\\\\ \\\" \\'\""},
         {u"~ !", "\"~ !\""},
         {std::u16string(1, u'\0'), "\"\\x0000\""},
         {u"\x1F\x7F", "\"\\x001F\\x007F\""},
-        {u"\uFFFF", "\"\\xFFFF\""},
         // A surrogate pair is two units, two escapes.
         {u"\U0001F600", "\"\\xD83D\\xDE00\""},
     };
@@ -710,13 +630,6 @@ TEST(DataValue, PrintableStrings)
         SCOPED_TRACE(row.printable);
         EXPECT_EQ(toPrintableString(TString(row.text.data(), int(row.text.size()))), row.printable);
     }
-}
-
-TEST(DataValue, StreamsItsPrintableLiteral)
-{
-    std::ostringstream out;
-    out << DataValue(42) << ' ' << DataValue::FromDouble(3.0) << ' ' << DataValue();
-    EXPECT_EQ(out.str(), "\"42\" \"3.\" \"NULL\"");
 }
 
 TEST(DataValue, TypeNames)
@@ -748,17 +661,14 @@ TEST(DataValue, TheInspectorSeesTheNumericKinds)
         // Precision and scale as stored, even odd ones.
         {"decimal", DataValue(2.5, 10, 2), {"real 2.500000 10 2"}},
         {"odd decimal", DataValue(2.5, -100, 127), {"real 2.500000 -100 127"}},
-        {"true", DataValue(true), {"bool true"}},
         {"false", DataValue(false), {"bool false"}},
         // A special of any type goes to InspectSpecial alone, the table type included.
-        {"null int", DataValue(Special::Null, DataType::Integer), {"special 1 of 0"}},
         {"all real", DataValue(Special::All, DataType::Real), {"special 2 of 1"}},
         {"default", DataValue(), {"special 1 of 8"}},
         {"null table", DataValue(Special::Null, DataType::Table), {"special 1 of 11"}},
         {"negative special", DataValueTestPeer::Raw(0, -3, 0), {"special -3 of 0"}},
         // Unknown and type bytes beyond the enumeration call nothing and raise nothing.
         {"unknown", DataValueTestPeer::Raw(8, 0, 0), {}},
-        {"type 12", DataValueTestPeer::Raw(12, 0, 0), {}},
         {"type 255", DataValueTestPeer::Raw(255, 0, 0), {}},
     };
     for (const Row& row : rows) {
@@ -787,7 +697,6 @@ TEST(DataValue, AnOrdinaryTableIsNotVisited)
 TEST(DataValue, UnaryMinus)
 {
     EXPECT_EQ(BytesOf(-DataValue(5)), BytesOf(DataValue(-5)));
-    EXPECT_EQ((-DataValue(kInt64Max)).GetInt(), kInt64Min + 1);
     EXPECT_EQ((-DataValue(kInt64Min)).GetInt(), kInt64Min); // wraps
     EXPECT_EQ(BytesOf(-DataValue::FromDouble(2.5)), BytesOf(DataValue::FromDouble(-2.5)));
     // The decimals are forgotten.
@@ -799,7 +708,7 @@ TEST(DataValue, UnaryMinus)
     // The sign bit of a NaN flips too.
     EXPECT_EQ((-DataValue::FromDouble(kNaN)).GetAny(), BitsOf(kNaN) ^ 0x8000000000000000ull);
 
-    for (DataType type : {DataType::Boolean, DataType::String, DataType::Unknown, DataType::Date, DataType::Time}) {
+    for (DataType type : {DataType::Boolean, DataType::String, DataType::Unknown, DataType::Date}) {
         SCOPED_TRACE(int(type));
         const auto e = Caught([&] { (void)-DataValue(Special::Null, type); });
         EXPECT_EQ(e->GetErrorInfo().GetError().GetCode(), 0xED6A87E9u);
@@ -820,18 +729,8 @@ TEST(DataValue, MoveLeavesAnUnknownSource)
     EXPECT_EQ(source.GetType(), DataType::Unknown);
     EXPECT_EQ(source.GetSpecial(), Special::None); // only the type byte is overwritten
     EXPECT_EQ(source.GetAny(), 5u);
-
-    DataValue nullString(Special::Null, DataType::String);
-    DataValue other;
-    other = std::move(nullString);
-    EXPECT_EQ(other.GetType(), DataType::String);
-    EXPECT_EQ(nullString.GetType(), DataType::Unknown);
-    EXPECT_TRUE(nullString.IsNull());
-
-    // A moved-from value may be assigned to again.
-    source = DataValue(true);
+    source = DataValue(true); // a moved-from value may be assigned to again
     EXPECT_EQ(source, DataValue(true));
-    // Moving onto itself changes nothing.
     DataValue& alias = target;
     target = std::move(alias);
     EXPECT_EQ(target, DataValue(5));
@@ -871,14 +770,6 @@ TEST(DataValue, CountedObjectsAreSharedAndReleased)
         swap(a, a);
     }
     EXPECT_EQ(deaths, 1);
-}
-
-TEST(DataValue, StringsStartWithoutAnOrdinal)
-{
-    int deaths = 0;
-    const DataValue s = DataValueTestPeer::Counted(DataType::String, new Counted(&deaths));
-    EXPECT_EQ(DataValueTestPeer::Ordinal(s), -2);
-    EXPECT_EQ(s.GetSpecial(), Special::None);
 }
 
 TEST(DataValue, AssigningAMemberOfTheOwnedObjectIsSafe)
