@@ -109,9 +109,7 @@ void ExpectEqual(const DataValue& a, const DataValue& b)
 
 } // namespace
 
-//===----------------------------------------------------------------------===//
-// Headers
-//===----------------------------------------------------------------------===//
+//===--- Headers ---===//
 
 TEST(DataValueObjects, HeadersOfTheObjectKinds)
 {
@@ -138,9 +136,7 @@ TEST(DataValueObjects, HeadersOfTheObjectKinds)
     }
 }
 
-//===----------------------------------------------------------------------===//
-// Dates and times
-//===----------------------------------------------------------------------===//
+//===--- Dates and times ---===//
 
 TEST(DataValueObjects, DatesDropTheirTimeOfDay)
 {
@@ -247,9 +243,7 @@ TEST(DataValueObjects, CheckedGettersOfTheNewKinds)
     EXPECT_FALSE(DataValue(Special::Missing, DataType::Spatial).GetSpatial());
 }
 
-//===----------------------------------------------------------------------===//
-// Strings
-//===----------------------------------------------------------------------===//
+//===--- Strings ---===//
 
 TEST(DataValueObjects, StringsAreMadeInEveryWay)
 {
@@ -400,10 +394,8 @@ TEST(DataValueObjects, StringLiterals)
         const char16_t* text;
         const char16_t* literal;
     } rows[] = {
-        {u"abc", u"\"abc\""},
-        {u"", u"\"\""},
-        {u"a\"b", u"\"a\"\"b\""},
-        {u"\"", u"\"\"\"\""},
+        {u"abc", u"\"abc\""}, {u"", u"\"\""},
+        {u"a\"b", u"\"a\"\"b\""}, {u"\"", u"\"\"\"\""},
         // Only double quotes are doubled.
         {u"it's", u"\"it's\""},
     };
@@ -424,9 +416,7 @@ TEST(DataValueObjects, StringImages)
     EXPECT_EQ(BinaryDataValue(DataValue(Special::Null, DataType::String)).GetValue(), (std::vector<char>{0, 0, 0, 0}));
 }
 
-//===----------------------------------------------------------------------===//
-// Tuples
-//===----------------------------------------------------------------------===//
+//===--- Tuples ---===//
 
 TEST(DataValueObjects, TupleValuesShareTheirTuple)
 {
@@ -477,9 +467,7 @@ TEST(DataValueObjects, TupleFailures)
     ExpectFailure(*made, u"DataValue::SetTuple: bad argument", 0x92C27045u, 4);
 }
 
-//===----------------------------------------------------------------------===//
-// Binaries
-//===----------------------------------------------------------------------===//
+//===--- Binaries ---===//
 
 TEST(DataValueObjects, BinariesAreEqualOnlyWhenTheyShareTheirObject)
 {
@@ -503,9 +491,7 @@ TEST(DataValueObjects, BinariesAreEqualOnlyWhenTheyShareTheirObject)
     ExpectFailure(*made, u"DataValue::SetBinary: cannot construct from null", 0x0EB526BDu, 4);
 }
 
-//===----------------------------------------------------------------------===//
-// Spatial values
-//===----------------------------------------------------------------------===//
+//===--- Spatial values ---===//
 
 TEST(DataValueObjects, SpatialValuesCompareTheirShapes)
 {
@@ -554,9 +540,7 @@ TEST(DataValueObjects, AnEmptyShapeIsANullOrAFailure)
     ExpectFailure(*made, u"DataValue::SetSpatial: cannot construct from null", 0x90F95D59u, 4);
 }
 
-//===----------------------------------------------------------------------===//
-// Ordinals
-//===----------------------------------------------------------------------===//
+//===--- Ordinals ---===//
 
 TEST(DataValueObjects, OnlyAStringWithItsObjectHasAnOrdinal)
 {
@@ -586,9 +570,7 @@ TEST(DataValueObjects, OnlyAStringWithItsObjectHasAnOrdinal)
     EXPECT_FALSE(json.contains(TString(u"\"stack\"")));
 }
 
-//===----------------------------------------------------------------------===//
-// Literal form
-//===----------------------------------------------------------------------===//
+//===--- Literal form ---===//
 
 TEST(DataValueObjects, LiteralForms)
 {
@@ -598,8 +580,7 @@ TEST(DataValueObjects, LiteralForms)
         const char16_t* literal;
     } rows[] = {
         {DataValue::FromDate(At(2021, 3, 4, 10, 20, 30)), u"#2021-03-04#"},
-        {DataValue::FromDate(At(400, 1, 1)), u"#0400-01-01#"},
-        {DataValue::FromDate(At(9999, 12, 31)), u"#9999-12-31#"},
+        {DataValue::FromDate(At(400, 1, 1)), u"#0400-01-01#"}, {DataValue::FromDate(At(9999, 12, 31)), u"#9999-12-31#"},
         {DataValue::FromDateTime(At(2021, 3, 4, 10, 20, 30)), u"#2021-03-04 10:20:30#"},
         {DataValue::FromDateTime(At(1999, 12, 31, 23, 59, 59, 0.5)), u"#1999-12-31 23:59:59.500#"},
         {DataValue::FromDateTime(At(2000, 2, 29, 7, 5, 3, 0.001)), u"#2000-02-29 07:05:03.001#"},
@@ -608,8 +589,7 @@ TEST(DataValueObjects, LiteralForms)
         {DataValue(Shape("POLYGON ((0 0, 4 0, 4 4, 0 0))", 3)), u"'Polygon'"},
         {DataValue(Special::Null, DataType::Spatial), u"NULL"},
         // No literal, deliberately.
-        {DataValue(Time(1, 2, 3, 4u), DataType::Time), u""},
-        {TupleValue({1, 2}), u""},
+        {DataValue(Time(1, 2, 3, 4u), DataType::Time), u""}, {TupleValue({1, 2}), u""},
         {DataValue(makeRefCnt<BinaryDataValue>("x", 1)), u""},
     };
     for (const Row& row : rows) {
@@ -621,9 +601,7 @@ TEST(DataValueObjects, LiteralForms)
     EXPECT_EQ(out.str(), "\"#2021-03-04#\"");
 }
 
-//===----------------------------------------------------------------------===//
-// Visiting
-//===----------------------------------------------------------------------===//
+//===--- Visiting ---===//
 
 TEST(DataValueObjects, TheInspectorSeesEveryKind)
 {
@@ -636,13 +614,11 @@ TEST(DataValueObjects, TheInspectorSeesEveryKind)
         DataValue value;
         std::vector<std::string> calls;
     } rows[] = {
-        {Text(u"", EnglishIgnoringCase()), {"string  / LEN_RUS_S2"}},
-        {u"x"_dv, {"string x / LROOT"}},
+        {Text(u"", EnglishIgnoringCase()), {"string  / LEN_RUS_S2"}}, {u"x"_dv, {"string x / LROOT"}},
         {DataValue(Special::Null, DataType::String), {"special 1 of 2"}},
         {DataValue::FromDate(day), {"date " + std::to_string(day.GetRepresentation())}},
         {DataValue::FromDateTime(moment), {"datetime " + std::to_string(moment.GetRepresentation())}},
-        {DataValue(Time(0, 0, 1, 5u), DataType::Time), {"time 1000005"}},
-        {DataValue(tuple), {"tuple of 3"}},
+        {DataValue(Time(0, 0, 1, 5u), DataType::Time), {"time 1000005"}}, {DataValue(tuple), {"tuple of 3"}},
         {DataValue(point), {"spatial Point"}},
         // Binary calls nothing and raises nothing.
         {DataValue(makeRefCnt<BinaryDataValue>()), {}},
@@ -667,9 +643,7 @@ TEST(DataValueObjects, TheInspectorSeesEveryKind)
     EXPECT_EQ(inspector.spatials[0], point);
 }
 
-//===----------------------------------------------------------------------===//
-// Copies
-//===----------------------------------------------------------------------===//
+//===--- Copies ---===//
 
 TEST(DataValueObjects, CopyingACountedValueAllocatesNothing)
 {
@@ -687,9 +661,7 @@ TEST(DataValueObjects, CopyingACountedValueAllocatesNothing)
     }
 }
 
-//===----------------------------------------------------------------------===//
-// Threads
-//===----------------------------------------------------------------------===//
+//===--- Threads ---===//
 
 // Fresh shared objects, so the first hashes race too; answers must match twins made apart.
 TEST(DataValueObjects, ThreadsShareStringsAndTuples)

