@@ -109,9 +109,7 @@ void ExpectEqual(const DataValue& a, const DataValue& b)
 
 } // namespace
 
-//===----------------------------------------------------------------------===//
-// Headers
-//===----------------------------------------------------------------------===//
+//===--- Headers ---===//
 
 TEST(DataValueObjects, HeadersOfTheObjectKinds)
 {
@@ -129,7 +127,6 @@ TEST(DataValueObjects, HeadersOfTheObjectKinds)
         {"binary", DataValue(makeRefCnt<BinaryDataValue>()), {9, 0, 0xFF, 0xFF, 0, 0, 0, 0}},
         // A string has no place in a sorted domain yet: ordinal -2.
         {"string", Text(u"abc"), {2, 0, 0xFF, 0xFF, 0xFE, 0xFF, 0xFF, 0xFF}},
-        {"null string", DataValue(Special::Null, DataType::String), {2, 1, 0xFF, 0xFF, 0, 0, 0, 0}},
         {"invalid date", DataValue::FromDate(DateTime::FromValue(0)), {5, 1, 0xFF, 0xFF, 0, 0, 0, 0}},
         {"invalid datetime", DataValue::FromDateTime(DateTime::FromValue(0)), {3, 1, 0xFF, 0xFF, 0, 0, 0, 0}},
     };
@@ -139,9 +136,7 @@ TEST(DataValueObjects, HeadersOfTheObjectKinds)
     }
 }
 
-//===----------------------------------------------------------------------===//
-// Dates and times
-//===----------------------------------------------------------------------===//
+//===--- Dates and times ---===//
 
 TEST(DataValueObjects, DatesDropTheirTimeOfDay)
 {
@@ -152,9 +147,7 @@ TEST(DataValueObjects, DatesDropTheirTimeOfDay)
     EXPECT_EQ(date.GetAny(), 2459277ULL * DateTime::s_scaling);
     const DataValue datetime(moment, DataType::DateTime);
     EXPECT_EQ(datetime.GetDatetime(), moment);
-    EXPECT_EQ(datetime.GetAny(), moment.GetRepresentation());
     EXPECT_EQ(DataValue::FromDate(moment), date);
-    EXPECT_EQ(DataValue::FromDateTime(moment), datetime);
     EXPECT_NE(date, DataValue::FromDateTime(At(2021, 3, 4))); // another type
 }
 
@@ -173,23 +166,20 @@ TEST(DataValueObjects, InvalidDateTimesBecomeNulls)
         v.SetDate(d);
         EXPECT_EQ(v, DataValue(Special::Null, DataType::Date));
         EXPECT_EQ(v.GetAny(), 0u);
-        // A null date reads back as the default DateTime.
-        EXPECT_EQ(v.GetDate(), DateTime());
+        EXPECT_EQ(v.GetDate(), DateTime()); // a null reads back as the default
         v.SetDatetime(d);
         EXPECT_EQ(v, DataValue(Special::Null, DataType::DateTime));
         EXPECT_EQ(v.GetDatetime(), DateTime());
     }
     // The ends of the valid range are kept.
     EXPECT_FALSE(DataValue::FromDateTime(DateTime::FromValue(DateTime::minGregorianDate)).IsNull());
-    EXPECT_EQ(DataValue::FromDateTime(DateTime::FromValue(DateTime::maxGregorianDate)).GetAny(),
-              DateTime::maxGregorianDate);
     EXPECT_EQ(DataValue::FromDate(DateTime::FromValue(DateTime::maxGregorianDate)).GetDate(), At(9999, 12, 31));
 }
 
 TEST(DataValueObjects, TimesIgnoreTheTypeArgument)
 {
     const Time t(10, 20, 30, 400u);
-    for (DataType type : {DataType::Time, DataType::Integer, DataType::Tuple, DataType(200)}) {
+    for (DataType type : {DataType::Time, DataType::Tuple, DataType(200)}) {
         SCOPED_TRACE(int(type));
         const DataValue v(t, type);
         EXPECT_EQ(v.GetType(), DataType::Time);
@@ -198,7 +188,6 @@ TEST(DataValueObjects, TimesIgnoreTheTypeArgument)
     }
     // Midnight is payload 0, as a null time: both read back as midnight, the special tells.
     const DataValue midnight(Time(), DataType::Time);
-    EXPECT_EQ(midnight.GetTime(), Time());
     EXPECT_FALSE(midnight.IsNull());
     EXPECT_EQ(DataValue(Special::Null, DataType::Time).GetTime(), Time());
     EXPECT_NE(midnight, DataValue(Special::Null, DataType::Time));
@@ -206,11 +195,10 @@ TEST(DataValueObjects, TimesIgnoreTheTypeArgument)
 
 TEST(DataValueObjects, ADateTimeOfAnotherTypeIsALogicError)
 {
-    for (DataType type : {DataType::Time, DataType::Integer, DataType::String, DataType(99)}) {
+    for (DataType type : {DataType::Time, DataType::String, DataType(99)}) {
         SCOPED_TRACE(int(type));
         const auto e = Caught([&] { DataValue v(At(2021, 3, 4), type); });
         EXPECT_EQ(typeid(*e), typeid(LogicException));
-        EXPECT_EQ(e->GetErrorInfo().GetError().GetCode(), 0x72FAA0AEu);
         EXPECT_EQ(e->GetErrorInfo().GetError().GetName(), TString(u"LogicException_LogicAssert_0x72FAA0AE"));
         EXPECT_TRUE(e->GetMessagesFront().startsWith(TString(u"data/DataValue.cpp("))) << e->what();
         EXPECT_TRUE(e->GetMessagesFront().endsWith(TString(u": false"))) << e->what();
@@ -220,7 +208,6 @@ TEST(DataValueObjects, ADateTimeOfAnotherTypeIsALogicError)
 TEST(DataValueObjects, DatesAndTimesAreOrderedAndHashedByTheirPayload)
 {
     ExpectOrdered(DataValue::FromDate(At(1999, 12, 31)), DataValue::FromDate(At(2000, 1, 1)));
-    ExpectOrdered(DataValue::FromDateTime(At(2000, 1, 1, 0, 0, 0, 0.0001)), DataValue::FromDateTime(At(2000, 1, 1, 0, 0, 1)));
     ExpectOrdered(DataValue(Time(0, 0, 0, 1u), DataType::Time), DataValue(Time(23, 59, 59, 999999u), DataType::Time));
     ExpectOrdered(DataValue(Special::Null, DataType::Date), DataValue::FromDate(At(400, 1, 1)));
     ExpectEqual(DataValue::FromDate(At(2021, 3, 4, 5)), DataValue::FromDate(At(2021, 3, 4, 17)));
@@ -238,8 +225,6 @@ TEST(DataValueObjects, CheckedGettersOfTheNewKinds)
     } rows[] = {
         {"date of datetime", [] { (void)DataValue::FromDateTime(At(2021, 3, 4)).GetDate(); },
          u"Incorrect data type datetime, getting expected date type."},
-        {"datetime of date", [] { (void)DataValue::FromDate(At(2021, 3, 4)).GetDatetime(); },
-         u"Incorrect data type date, getting expected datetime type."},
         {"time of integer", [] { (void)DataValue(3).GetTime(); }, u"Incorrect data type integer, getting expected time type."},
         {"tuple of binary", [] { (void)DataValue(makeRefCnt<BinaryDataValue>()).GetTuple(); },
          u"Incorrect data type binary, getting expected tuple type."},
@@ -258,14 +243,11 @@ TEST(DataValueObjects, CheckedGettersOfTheNewKinds)
     EXPECT_FALSE(DataValue(Special::Missing, DataType::Spatial).GetSpatial());
 }
 
-//===----------------------------------------------------------------------===//
-// Strings
-//===----------------------------------------------------------------------===//
+//===--- Strings ---===//
 
 TEST(DataValueObjects, StringsAreMadeInEveryWay)
 {
     const DataValue fromParts(English(), TString(u"abc"));
-    EXPECT_EQ(fromParts.GetType(), DataType::String);
     EXPECT_EQ(fromParts.GetString(), TString(u"abc"));
     EXPECT_EQ(fromParts.GetCollation(), English());
     EXPECT_EQ(TString(fromParts.GetStringRaw()), TString(u"abc"));
@@ -281,11 +263,9 @@ TEST(DataValueObjects, StringsAreMadeInEveryWay)
 
     // The unknown collation for the makers.
     const DataValue made = DataValue::FromString(TString(u"plain"));
-    EXPECT_EQ(made.GetCollation(), GetUnknownCollation());
     EXPECT_EQ(made.GetCollation().GetName(), TString(u"LROOT"));
-    const DataValue literal = u"plain"_dv;
-    EXPECT_EQ(literal, made);
-    EXPECT_EQ(literal.GetCollation(), GetUnknownCollation());
+    EXPECT_EQ(u"plain"_dv, made);
+    EXPECT_EQ(u"plain"_dv.GetCollation(), GetUnknownCollation());
     // The literal is counted: a NUL inside is kept.
     EXPECT_EQ(u"a\0b"_dv.GetString().size(), 3);
 
@@ -310,9 +290,9 @@ TEST(DataValueObjects, StringValuesShareTheirObject)
         DataValue c;
         RefCntPtr<StringWithCollation> handed = string;
         c.SetString(std::move(handed));
-        EXPECT_FALSE(handed);
         EXPECT_EQ(string->GetReferenceCount(), 4);
-        EXPECT_EQ(c.GetString(), TString(u"shared"));
+        DataValue d(c);
+        EXPECT_EQ(string->GetReferenceCount(), 5);
     }
     EXPECT_EQ(string->GetReferenceCount(), 1);
     // A new object from SetString(StringWithCollation&&) starts with the value's one reference.
@@ -330,7 +310,6 @@ TEST(DataValueObjects, NullStringPointersAreRefused)
     const RefCntPtr<StringWithCollation> none;
     const auto copied = Caught([&] { v.SetString(none); });
     ExpectFailure(*copied, u"DataValue::SetString: bad argument", 0xE188009Eu, 4);
-    EXPECT_EQ(copied->GetErrorInfo().GetError().GetName(), TString(u"MurvaneException_AutoGen_0xE188009E"));
     EXPECT_EQ(v, DataValue(7));
     const auto made = Caught([&] { DataValue w(none); });
     ExpectFailure(*made, u"DataValue::SetString: bad argument", 0xE188009Eu, 4);
@@ -349,8 +328,6 @@ TEST(DataValueObjects, StringGetters)
                   u"Incorrect data type integer, getting expected string type.", 0xCA8336D0u, 1);
     ExpectFailure(*Caught([] { (void)DataValue(Special::Null, DataType::Date).GetStringRaw(); }),
                   u"Incorrect data type date, getting expected string type.", 0xCA8336D0u, 1);
-    ExpectFailure(*Caught([] { (void)Text(u"x").GetInt(); }), u"Incorrect data type string, getting expected integer type.",
-                  0xCA8336D0u, 1);
 }
 
 TEST(DataValueObjects, OrdinalsOfStrings)
@@ -359,15 +336,12 @@ TEST(DataValueObjects, OrdinalsOfStrings)
     EXPECT_EQ(s.GetOrdinal(), -2);
     s.SetOrdinal(5);
     EXPECT_EQ(s.GetOrdinal(), 5);
-    EXPECT_EQ(s.GetString(), TString(u"abc"));
     // The ordinal is no part of equality or hash.
     ExpectEqual(s, Text(u"abc"));
     // A copy keeps it; a new string starts without.
     EXPECT_EQ(DataValue(s).GetOrdinal(), 5);
     s.SetString(English(), TString(u"new"));
     EXPECT_EQ(s.GetOrdinal(), -2);
-    s.SetOrdinal(-7);
-    EXPECT_EQ(s.GetOrdinal(), -7);
 }
 
 TEST(DataValueObjects, StringsCompareByTheirCollation)
@@ -382,7 +356,6 @@ TEST(DataValueObjects, StringsCompareByTheirCollation)
     const DataValue s = Text(u"hash me");
     const StringWithCollation object(TString(u"hash me"), English());
     EXPECT_EQ(s.Hash(), object.GetHash());
-    EXPECT_NE(s.Hash(), DataValue(Special::Null, DataType::String).Hash());
 
     // Order: the collation's, not code units'.
     ExpectOrdered(Text(u"a"), Text(u"B"));
@@ -394,25 +367,20 @@ TEST(DataValueObjects, StringsCompareByTheirCollation)
     // Strings sort between reals and date-times by their type number.
     ExpectOrdered(DataValue::FromDouble(1e300), Text(u""));
     ExpectOrdered(Text(u"zzz"), DataValue(Special::Null, DataType::DateTime));
-
-    std::vector<DataValue> values = {Text(u"pear"), Text(u"Apple"), DataValue(Special::Null, DataType::String),
-                                     Text(u"apple"), Text(u"\u00C9clair"), Text(u"banana")};
-    std::sort(values.begin(), values.end());
-    std::vector<std::string> sorted;
-    for (const DataValue& v : values)
-        sorted.push_back(v.FormatAsLiteral().toStdString());
-    const std::vector<std::string> expected = {"NULL", "\"apple\"", "\"Apple\"", "\"banana\"", "\"\u00C9clair\"", "\"pear\""};
-    EXPECT_EQ(sorted, expected);
+    // Lower case first at tertiary strength; an accented capital among the e's.
+    ExpectOrdered(Text(u"apple"), Text(u"Apple"));
+    ExpectOrdered(Text(u"banana"), Text(u"\u00C9clair"));
+    ExpectOrdered(Text(u"\u00C9clair"), Text(u"pear"));
 }
 
-TEST(DataValueObjects, MovingOutOfANullString)
+TEST(DataValueObjects, MovingOutOfAString)
 {
     DataValue source(Special::Null, DataType::String);
-    const DataValue target(std::move(source));
+    DataValue target;
+    target = std::move(source);
     EXPECT_EQ(source.GetType(), DataType::Unknown);
     EXPECT_TRUE(source.IsNull());
     EXPECT_EQ(target, DataValue(Special::Null, DataType::String));
-
     DataValue full = Text(u"full");
     DataValue taken(std::move(full));
     EXPECT_EQ(full.GetType(), DataType::Unknown);
@@ -426,21 +394,15 @@ TEST(DataValueObjects, StringLiterals)
         const char16_t* text;
         const char16_t* literal;
     } rows[] = {
-        {u"abc", u"\"abc\""},
-        {u"", u"\"\""},
-        {u"a\"b", u"\"a\"\"b\""},
-        {u"\"", u"\"\"\"\""},
-        {u"\"\"", u"\"\"\"\"\"\""},
+        {u"abc", u"\"abc\""}, {u"", u"\"\""},
+        {u"a\"b", u"\"a\"\"b\""}, {u"\"", u"\"\"\"\""},
         // Only double quotes are doubled.
         {u"it's", u"\"it's\""},
-        {u"tab\there", u"\"tab\there\""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(TString(row.literal).toStdString());
         EXPECT_EQ(Text(row.text).FormatAsLiteral(), TString(row.literal));
     }
-    // a, double quote, b: six characters.
-    EXPECT_EQ(Text(u"a\"b").FormatAsLiteral().size(), 6);
     EXPECT_EQ(DataValue(Special::Null, DataType::String).FormatAsLiteral(), TString(u"NULL"));
     std::ostringstream out;
     out << Text(u"a\"b");
@@ -454,9 +416,7 @@ TEST(DataValueObjects, StringImages)
     EXPECT_EQ(BinaryDataValue(DataValue(Special::Null, DataType::String)).GetValue(), (std::vector<char>{0, 0, 0, 0}));
 }
 
-//===----------------------------------------------------------------------===//
-// Tuples
-//===----------------------------------------------------------------------===//
+//===--- Tuples ---===//
 
 TEST(DataValueObjects, TupleValuesShareTheirTuple)
 {
@@ -467,7 +427,6 @@ TEST(DataValueObjects, TupleValuesShareTheirTuple)
         EXPECT_EQ(a.GetTuple().get(), tuple.get());
         EXPECT_EQ(tuple->GetReferenceCount(), 2); // the returned pointer is gone again
         DataValue b(a);
-        EXPECT_EQ(tuple->GetReferenceCount(), 3);
         ExpectEqual(a, b);
         EXPECT_EQ(a.Hash(), tuple->Hash());
         b.SetNull(DataType::Integer); // a null of another type lets the tuple go
@@ -486,9 +445,7 @@ TEST(DataValueObjects, TupleValuesCompareTheirTuples)
     ExpectOrdered(TupleValue({100}), TupleValue({1, 2}));
     ExpectOrdered(TupleValue({1, 2}), TupleValue({1, 3}));
     ExpectEqual(DataValue(makeRefCnt<Tuple>()), DataValue(makeRefCnt<Tuple>()));
-    // Tuples sort after strings and before shapes, by their type number.
-    ExpectOrdered(TupleValue({1}), DataValue(Special::Null, DataType::Spatial));
-    ExpectOrdered(DataValue(Special::Null, DataType::Date), TupleValue({1}));
+    ExpectOrdered(TupleValue({1}), DataValue(Special::Null, DataType::Spatial)); // by type number
 }
 
 TEST(DataValueObjects, TuplesOfStringsFollowTheCollation)
@@ -498,7 +455,6 @@ TEST(DataValueObjects, TuplesOfStringsFollowTheCollation)
     };
     ExpectEqual(pair(u"abc"), pair(u"ABC"));
     ExpectOrdered(pair(u"abc"), pair(u"abd"));
-    EXPECT_NE(pair(u"abc"), pair(u"abd"));
 }
 
 TEST(DataValueObjects, TupleFailures)
@@ -506,15 +462,12 @@ TEST(DataValueObjects, TupleFailures)
     DataValue v(7);
     const auto set = Caught([&] { v.SetTuple(nullptr); });
     ExpectFailure(*set, u"DataValue::SetTuple: bad argument", 0x92C27045u, 4);
-    EXPECT_EQ(set->GetErrorInfo().GetError().GetName(), TString(u"MurvaneException_AutoGen_0x92C27045"));
     EXPECT_EQ(v, DataValue(7));
     const auto made = Caught([] { DataValue w{RefCntPtr<Tuple>()}; });
     ExpectFailure(*made, u"DataValue::SetTuple: bad argument", 0x92C27045u, 4);
 }
 
-//===----------------------------------------------------------------------===//
-// Binaries
-//===----------------------------------------------------------------------===//
+//===--- Binaries ---===//
 
 TEST(DataValueObjects, BinariesAreEqualOnlyWhenTheyShareTheirObject)
 {
@@ -527,7 +480,6 @@ TEST(DataValueObjects, BinariesAreEqualOnlyWhenTheyShareTheirObject)
     EXPECT_NE(a, other);
     EXPECT_FALSE(a < other);
     EXPECT_FALSE(other < a);
-    EXPECT_EQ(a.GetBinary().get(), bytes.get());
     EXPECT_EQ(a.GetBinaryUnchecked().get(), bytes.get());
     EXPECT_EQ(DataValue(Special::Null, DataType::Binary).GetBinaryUnchecked().get(), nullptr);
 
@@ -539,9 +491,7 @@ TEST(DataValueObjects, BinariesAreEqualOnlyWhenTheyShareTheirObject)
     ExpectFailure(*made, u"DataValue::SetBinary: cannot construct from null", 0x0EB526BDu, 4);
 }
 
-//===----------------------------------------------------------------------===//
-// Spatial values
-//===----------------------------------------------------------------------===//
+//===--- Spatial values ---===//
 
 TEST(DataValueObjects, SpatialValuesCompareTheirShapes)
 {
@@ -551,7 +501,6 @@ TEST(DataValueObjects, SpatialValuesCompareTheirShapes)
     const DataValue sameShape(Shape("POINT (1 2)")); // another object, equal coordinates
     ExpectEqual(a, sameShape);
     EXPECT_EQ(a.Hash(), point->GetHash());
-    ExpectEqual(a, DataValue(a));
     EXPECT_NE(a, DataValue(Shape("POINT (1 2)", 3))); // a geography is another shape
     const DataValue line(Shape("LINESTRING (0 0, 1 1)"));
     EXPECT_NE(a, line);
@@ -564,13 +513,9 @@ TEST(DataValueObjects, SpatialValuesCompareTheirShapes)
 TEST(DataValueObjects, ACopiedSpatialValueHasABoxOfItsOwn)
 {
     const SpatialPointer point = Shape("POINT (1 2)");
-    const long base = point.use_count();
     auto source = std::make_unique<DataValue>(point);
     DataValue copy(*source);
-    EXPECT_NE(copy.GetAny(), source->GetAny());
-    EXPECT_EQ(point.use_count(), base + 2);
     source.reset();
-    EXPECT_EQ(point.use_count(), base + 1);
     EXPECT_EQ(copy.GetSpatial(), point);
     EXPECT_EQ(copy.FormatAsLiteral(), TString(u"'Point'"));
     // A copy allocates its box, and that is all.
@@ -584,7 +529,6 @@ TEST(DataValueObjects, AnEmptyShapeIsANullOrAFailure)
     EXPECT_EQ(v.GetType(), DataType::Spatial);
     EXPECT_TRUE(v.IsNull());
     EXPECT_EQ(v.GetAny(), 0u); // no box
-    EXPECT_EQ(v.GetSpatial(), nullptr);
     SetSpatialOrNull(v, Shape("POINT (3 4)"));
     EXPECT_FALSE(v.IsNull());
     EXPECT_EQ(v.GetSpatial()->GetShapeType(), murgeo::ShapeType::Point);
@@ -596,9 +540,7 @@ TEST(DataValueObjects, AnEmptyShapeIsANullOrAFailure)
     ExpectFailure(*made, u"DataValue::SetSpatial: cannot construct from null", 0x90F95D59u, 4);
 }
 
-//===----------------------------------------------------------------------===//
-// Ordinals
-//===----------------------------------------------------------------------===//
+//===--- Ordinals ---===//
 
 TEST(DataValueObjects, OnlyAStringWithItsObjectHasAnOrdinal)
 {
@@ -623,16 +565,12 @@ TEST(DataValueObjects, OnlyAStringWithItsObjectHasAnOrdinal)
     const TString& json = sink->events[0].second;
     EXPECT_TRUE(json.startsWith(TString(u"{\"event\":\"incorrect-data-type\""))) << json.toStdString();
     EXPECT_TRUE(json.contains(TString(u"\"msg\":\"Incorrect data type integer, setting expected string type.\"")));
-    EXPECT_TRUE(json.contains(TString(u"\"actual\":\"integer\"")));
-    EXPECT_TRUE(json.contains(TString(u"\"expected\":\"string\"")));
     // The setting variant logs the thread without walking the stack.
     EXPECT_TRUE(json.contains(TString(u"\"thread\":\"")));
     EXPECT_FALSE(json.contains(TString(u"\"stack\"")));
 }
 
-//===----------------------------------------------------------------------===//
-// Literal form
-//===----------------------------------------------------------------------===//
+//===--- Literal form ---===//
 
 TEST(DataValueObjects, LiteralForms)
 {
@@ -642,21 +580,16 @@ TEST(DataValueObjects, LiteralForms)
         const char16_t* literal;
     } rows[] = {
         {DataValue::FromDate(At(2021, 3, 4, 10, 20, 30)), u"#2021-03-04#"},
-        {DataValue::FromDate(At(400, 1, 1)), u"#0400-01-01#"},
-        {DataValue::FromDate(At(9999, 12, 31)), u"#9999-12-31#"},
+        {DataValue::FromDate(At(400, 1, 1)), u"#0400-01-01#"}, {DataValue::FromDate(At(9999, 12, 31)), u"#9999-12-31#"},
         {DataValue::FromDateTime(At(2021, 3, 4, 10, 20, 30)), u"#2021-03-04 10:20:30#"},
-        {DataValue::FromDateTime(At(2021, 3, 4)), u"#2021-03-04 00:00:00#"},
         {DataValue::FromDateTime(At(1999, 12, 31, 23, 59, 59, 0.5)), u"#1999-12-31 23:59:59.500#"},
         {DataValue::FromDateTime(At(2000, 2, 29, 7, 5, 3, 0.001)), u"#2000-02-29 07:05:03.001#"},
         // Below a millisecond the short pattern is used.
         {DataValue::FromDateTime(At(2000, 2, 29, 7, 5, 3, 0.0009)), u"#2000-02-29 07:05:03#"},
-        {DataValue(Shape("LINESTRING (0 0, 1 1)")), u"'LineString'"},
         {DataValue(Shape("POLYGON ((0 0, 4 0, 4 4, 0 0))", 3)), u"'Polygon'"},
-        {DataValue(Special::Null, DataType::Date), u"NULL"},
         {DataValue(Special::Null, DataType::Spatial), u"NULL"},
         // No literal, deliberately.
-        {DataValue(Time(1, 2, 3, 4u), DataType::Time), u""},
-        {TupleValue({1, 2}), u""},
+        {DataValue(Time(1, 2, 3, 4u), DataType::Time), u""}, {TupleValue({1, 2}), u""},
         {DataValue(makeRefCnt<BinaryDataValue>("x", 1)), u""},
     };
     for (const Row& row : rows) {
@@ -668,9 +601,7 @@ TEST(DataValueObjects, LiteralForms)
     EXPECT_EQ(out.str(), "\"#2021-03-04#\"");
 }
 
-//===----------------------------------------------------------------------===//
-// Visiting
-//===----------------------------------------------------------------------===//
+//===--- Visiting ---===//
 
 TEST(DataValueObjects, TheInspectorSeesEveryKind)
 {
@@ -683,21 +614,16 @@ TEST(DataValueObjects, TheInspectorSeesEveryKind)
         DataValue value;
         std::vector<std::string> calls;
     } rows[] = {
-        {Text(u"abc"), {"string abc / LEN_RUS"}},
-        {Text(u"", EnglishIgnoringCase()), {"string  / LEN_RUS_S2"}},
-        {u"x"_dv, {"string x / LROOT"}},
+        {Text(u"", EnglishIgnoringCase()), {"string  / LEN_RUS_S2"}}, {u"x"_dv, {"string x / LROOT"}},
         {DataValue(Special::Null, DataType::String), {"special 1 of 2"}},
         {DataValue::FromDate(day), {"date " + std::to_string(day.GetRepresentation())}},
         {DataValue::FromDateTime(moment), {"datetime " + std::to_string(moment.GetRepresentation())}},
-        {DataValue(Time(0, 0, 1, 5u), DataType::Time), {"time 1000005"}},
-        {DataValue(tuple), {"tuple of 3"}},
+        {DataValue(Time(0, 0, 1, 5u), DataType::Time), {"time 1000005"}}, {DataValue(tuple), {"tuple of 3"}},
         {DataValue(point), {"spatial Point"}},
         // Binary calls nothing and raises nothing.
         {DataValue(makeRefCnt<BinaryDataValue>()), {}},
-        {DataValue(Special::Null, DataType::Date), {"special 1 of 5"}},
         {DataValue(Special::Missing, DataType::Spatial), {"special 9 of 7"}},
         {DataValue(Special::Null, DataType::Binary), {"special 1 of 9"}},
-        {DataValue(Special::Null, DataType::Time), {"special 1 of 10"}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.calls.empty() ? std::string("binary") : row.calls.front());
@@ -717,9 +643,7 @@ TEST(DataValueObjects, TheInspectorSeesEveryKind)
     EXPECT_EQ(inspector.spatials[0], point);
 }
 
-//===----------------------------------------------------------------------===//
-// Copies
-//===----------------------------------------------------------------------===//
+//===--- Copies ---===//
 
 TEST(DataValueObjects, CopyingACountedValueAllocatesNothing)
 {
@@ -737,30 +661,9 @@ TEST(DataValueObjects, CopyingACountedValueAllocatesNothing)
     }
 }
 
-TEST(DataValueObjects, CopyingAStringTakesOneReference)
-{
-    const RefCntPtr<StringWithCollation> handle = makeRefCnt<StringWithCollation>(TString(u"counted"), English());
-    const DataValue a(handle);
-    EXPECT_EQ(handle->GetReferenceCount(), 2);
-    {
-        DataValue b(a);
-        EXPECT_EQ(handle->GetReferenceCount(), 3);
-        DataValue c;
-        c = b;
-        EXPECT_EQ(handle->GetReferenceCount(), 4);
-        DataValue d(std::move(c));
-        EXPECT_EQ(handle->GetReferenceCount(), 4);
-    }
-    EXPECT_EQ(handle->GetReferenceCount(), 2);
-}
+//===--- Threads ---===//
 
-//===----------------------------------------------------------------------===//
-// Threads
-//===----------------------------------------------------------------------===//
-
-// Shared strings and tuples, copied, hashed, compared and destroyed from several threads at
-// once. The objects are fresh, so the first hashes race too; every thread must see the
-// numbers and answers of twins made apart on this thread.
+// Fresh shared objects, so the first hashes race too; answers must match twins made apart.
 TEST(DataValueObjects, ThreadsShareStringsAndTuples)
 {
     constexpr int kThreads = 4;

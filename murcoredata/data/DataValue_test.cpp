@@ -15,7 +15,6 @@
 #include <limits>
 #include <mutex>
 #include <sstream>
-#include <unordered_set>
 #include <vector>
 
 using Special = DataValueTypes::Special;
@@ -87,42 +86,33 @@ std::vector<uint8_t> BytesOf(const DataValue& v)
     return bytes;
 }
 
-// `lesser` is strictly below `greater`, by all six relations.
+// Which of the six relations hold from a to b, each operator asked on its own.
+std::string Relations(const DataValue& a, const DataValue& b)
+{
+    std::string r;
+    for (auto [holds, name] : {std::pair(a < b, "<"), std::pair(a <= b, "<="), std::pair(a == b, "=="),
+                               std::pair(a != b, "!="), std::pair(a >= b, ">="), std::pair(a > b, ">")})
+        r += holds ? std::string(name) + " " : "";
+    return r;
+}
+
 void ExpectOrdered(const DataValue& lesser, const DataValue& greater)
 {
-    EXPECT_TRUE(lesser < greater);
-    EXPECT_FALSE(greater < lesser);
-    EXPECT_TRUE(greater > lesser);
-    EXPECT_FALSE(lesser > greater);
-    EXPECT_TRUE(lesser <= greater);
-    EXPECT_FALSE(greater <= lesser);
-    EXPECT_TRUE(greater >= lesser);
-    EXPECT_FALSE(lesser >= greater);
-    EXPECT_FALSE(lesser == greater);
-    EXPECT_TRUE(lesser != greater);
+    EXPECT_EQ(Relations(lesser, greater), "< <= != ");
+    EXPECT_EQ(Relations(greater, lesser), "!= >= > ");
 }
 
 // Neither equal nor ordered: the settled gaps of the order (1 and 1.0, NaN, signed zeros).
 void ExpectUnordered(const DataValue& a, const DataValue& b)
 {
-    EXPECT_FALSE(a == b);
-    EXPECT_TRUE(a != b);
-    EXPECT_FALSE(a < b);
-    EXPECT_FALSE(b < a);
-    EXPECT_FALSE(a <= b);
-    EXPECT_FALSE(b <= a);
-    EXPECT_FALSE(a >= b);
-    EXPECT_FALSE(b >= a);
+    EXPECT_EQ(Relations(a, b), "!= ");
+    EXPECT_EQ(Relations(b, a), "!= ");
 }
 
 void ExpectEqual(const DataValue& a, const DataValue& b)
 {
-    EXPECT_TRUE(a == b);
-    EXPECT_FALSE(a != b);
-    EXPECT_FALSE(a < b);
-    EXPECT_FALSE(b < a);
-    EXPECT_TRUE(a <= b);
-    EXPECT_TRUE(a >= b);
+    EXPECT_EQ(Relations(a, b), "<= == >= ");
+    EXPECT_EQ(Relations(b, a), "<= == >= ");
     EXPECT_EQ(a.Hash(), b.Hash());
     EXPECT_EQ(std::hash<DataValue>()(a), size_t(a.Hash()));
 }
@@ -146,9 +136,7 @@ using TestSupport::Caught;
 
 } // namespace
 
-//===----------------------------------------------------------------------===//
-// Layout and header
-//===----------------------------------------------------------------------===//
+//===--- Layout and header ---===//
 
 static_assert(sizeof(DataValue) == 16, "two words");
 static_assert(IsNumeric(DataType::Integer) && IsNumeric(DataType::Real) && !IsNumeric(DataType::Boolean), "");
@@ -183,24 +171,11 @@ TEST(DataValue, HeadersAreWrittenAsTheTableSays)
     }
 }
 
-TEST(DataValue, ADefaultValueIsAnUnknownNull)
-{
-    const DataValue v;
-    EXPECT_EQ(v.GetType(), DataType::Unknown);
-    EXPECT_TRUE(v.IsNull());
-    EXPECT_FALSE(v.IsMissing());
-    EXPECT_EQ(v.FormatAsLiteral(), TString(u"NULL"));
-    EXPECT_THROW(v.GetInt(), MurvaneException);
-}
-
 TEST(DataValue, SettersReplaceTheWholeHeader)
 {
     DataValue v(1.25, 6, 3);
-    EXPECT_EQ(v.GetPrecision(), 6);
-    EXPECT_EQ(v.GetScale(), 3);
     v.SetInt(5);
     EXPECT_EQ(BytesOf(v), BytesOf(DataValue(5)));
-    EXPECT_EQ(v.GetPrecision(), -1);
 
     // A boolean clears the whole payload word: all of it takes part in equality.
     v.SetReal(RealOfBits(0xFFFFFFFFFFFFFFFFull));
@@ -222,13 +197,10 @@ TEST(DataValue, SettersReplaceTheWholeHeader)
 TEST(DataValue, PrecisionAndScaleAreTotal)
 {
     const DataValue decimal(2.5, 10, 0);
-    EXPECT_TRUE(decimal.HasPrecision());
     EXPECT_TRUE(decimal.HasScale()); // scale 0 is a scale
     EXPECT_EQ(decimal.GetScale(), 0);
-    const DataValue plain = DataValue::FromDouble(2.5);
-    EXPECT_FALSE(plain.HasPrecision());
-    EXPECT_FALSE(plain.HasScale());
-    EXPECT_EQ(plain.GetPrecision(), -1);
+    EXPECT_FALSE(DataValue::FromDouble(2.5).HasPrecision());
+    EXPECT_EQ(DataValue::FromDouble(2.5).GetPrecision(), -1);
     // Only a real has decimals, whatever the fields hold.
     EXPECT_EQ(DataValue(7).GetPrecision(), -1);
     EXPECT_FALSE(DataValue(7).HasScale());
@@ -246,24 +218,18 @@ TEST(DataValue, MakersAndLiterals)
     EXPECT_EQ((-1_dv).GetInt(), -1);
     // The literal of 2^63 wraps to the smallest integer, so the text of INT64_MIN works.
     EXPECT_EQ((-9223372036854775808_dv).GetInt(), kInt64Min);
-    EXPECT_EQ(DataValue(kInt64Max).GetInt(), kInt64Max);
     EXPECT_EQ(DataValue(int(-5)).GetInt(), -5); // sign-extended
 }
 
-//===----------------------------------------------------------------------===//
-// Getters and the incorrect-type failure
-//===----------------------------------------------------------------------===//
+//===--- Getters and the incorrect-type failure ---===//
 
 TEST(DataValue, CheckedGettersLookAtTheTypeOnly)
 {
     EXPECT_EQ(DataValue(Special::Null, DataType::Integer).GetInt(), 0);
     EXPECT_EQ(DataValue(Special::Missing, DataType::Real).GetReal(), 0.0);
     EXPECT_FALSE(DataValue(Special::All, DataType::Boolean).GetBool());
-    EXPECT_EQ(DataValue(-3).GetInt(), -3);
     EXPECT_EQ(DataValue::FromDouble(-0.5).GetReal(), -0.5);
     EXPECT_TRUE(DataValue(true).GetBool());
-    // A real getter does not take an integer, nor the reverse.
-    EXPECT_THROW(DataValue(1).GetReal(), MurvaneException);
     EXPECT_THROW(DataValue::FromDouble(1.0).GetInt(), MurvaneException);
     EXPECT_THROW(DataValue(1).GetBool(), MurvaneException);
     // Unchecked getters read the payload as they are told.
@@ -303,7 +269,7 @@ TEST(DataValue, IncorrectTypeFailureCarriesItsSiteAndMessage)
     ASSERT_EQ(scoped.sink->events.size(), 4u);
 }
 
-TEST(DataValue, IncorrectTypeFailureLogsItsEvent)
+TEST(DataValue, IncorrectTypeFailureLogsItsEventAtWarning)
 {
     ScopedSink scoped(TLog::Warning);
     EXPECT_THROW(DataValue(Special::Null, DataType::Date).GetReal(), MurvaneException);
@@ -314,16 +280,12 @@ TEST(DataValue, IncorrectTypeFailureLogsItsEvent)
     EXPECT_TRUE(json.contains(TString(u"\"actual\":\"date\""))) << json.toStdString();
     EXPECT_TRUE(json.contains(TString(u"\"expected\":\"real\""))) << json.toStdString();
     EXPECT_TRUE(json.contains(TString(u"\"msg\":\"Incorrect data type date, getting expected real type.\"")));
-    // The place of the failure: the thread and the stack.
     EXPECT_TRUE(json.contains(TString(u"\"stack\":\"")));
     EXPECT_TRUE(json.contains(TString(u"\"thread\":\"")));
-}
-
-TEST(DataValue, IncorrectTypeFailureIsQuietBelowTheLogLevel)
-{
-    ScopedSink scoped(TLog::Error);
+    // Quiet below the log level.
+    TLog::Logger::Get().SetMinimumSeverity(TLog::Error);
     EXPECT_THROW(DataValue(true).GetInt(), MurvaneException);
-    EXPECT_TRUE(scoped.sink->events.empty());
+    EXPECT_EQ(scoped.sink->events.size(), 1u);
 }
 
 TEST(DataValue, ATypeByteWithoutANameFailsToEncode)
@@ -337,9 +299,7 @@ TEST(DataValue, ATypeByteWithoutANameFailsToEncode)
     EXPECT_TRUE(scoped.sink->events.empty());
 }
 
-//===----------------------------------------------------------------------===//
-// Specials
-//===----------------------------------------------------------------------===//
+//===--- Specials ---===//
 
 TEST(DataValue, TuplesHaveNoSpecials)
 {
@@ -348,34 +308,25 @@ TEST(DataValue, TuplesHaveNoSpecials)
     EXPECT_EQ(made->GetErrorInfo().GetError().GetCode(), 0xC3E581B1u);
     EXPECT_EQ(made->GetErrorInfo().GetError().GetName(), TString(u"MurvaneException_AutoGen_0xC3E581B1"));
     EXPECT_EQ(int(made->GetErrorInfo().GetSource()), 4);
-    EXPECT_EQ(int(made->GetErrorInfo().GetStatusCode()), 2);
 
     DataValue v(5);
     const auto set = Caught([&] { v.MakeSpecial(Special::Missing, DataType::Tuple); });
     EXPECT_EQ(set->GetMessagesFront(), TString(u"DataValue::MakeSpecial: bad argument"));
     EXPECT_EQ(set->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
-    EXPECT_EQ(int(set->GetErrorInfo().GetSource()), 4);
     EXPECT_EQ(v, DataValue(5)); // unchanged
     EXPECT_EQ(Caught([&] { v.SetNull(DataType::Tuple); })->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
-}
 
-TEST(DataValue, SetNullOnATupleFailsAndKeepsTheTuple)
-{
+    // SetNull on a tuple keeps its type, so it fails too and keeps the tuple.
     int deaths = 0;
     Counted* object = new Counted(&deaths);
-    DataValue v = DataValueTestPeer::Counted(DataType::Tuple, object);
-    EXPECT_EQ(Caught([&] { v.SetNull(); })->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
-    EXPECT_EQ(v.GetType(), DataType::Tuple);
+    DataValue tuple = DataValueTestPeer::Counted(DataType::Tuple, object);
+    EXPECT_EQ(Caught([&] { tuple.SetNull(); })->GetErrorInfo().GetError().GetCode(), 0x230EF8C1u);
     EXPECT_EQ(object->GetReferenceCount(), 1);
-    // A null of another type is fine, and lets the tuple go.
-    v.SetNull(DataType::Integer);
+    tuple.SetNull(DataType::Integer); // a null of another type lets the tuple go
     EXPECT_EQ(deaths, 1);
-    EXPECT_EQ(BytesOf(v), BytesOf(DataValue(Special::Null, DataType::Integer)));
 }
 
-//===----------------------------------------------------------------------===//
-// Equality and order
-//===----------------------------------------------------------------------===//
+//===--- Equality and order ---===//
 
 TEST(DataValue, IntegersAndRealsNeverEqualButAreOrderedOnTheRealLine)
 {
@@ -393,18 +344,12 @@ TEST(DataValue, IntegersAndRealsNeverEqualButAreOrderedOnTheRealLine)
     ExpectOrdered(DataValue::FromDouble(std::nextafter(9223372036854775808.0, 0.0)), DataValue(kInt64Max));
     // Beyond 2^53 integers round to the nearest double, ties to even.
     ExpectUnordered(DataValue(9007199254740993ll), DataValue::FromDouble(9007199254740992.0));
-    ExpectOrdered(DataValue(9007199254740993ll), DataValue::FromDouble(9007199254740994.0));
     ExpectUnordered(DataValue(9007199254740995ll), DataValue::FromDouble(9007199254740996.0));
-    ExpectOrdered(DataValue::FromDouble(9007199254740994.0), DataValue(9007199254740995ll));
     // ... but against each other the integers keep their order.
     ExpectOrdered(DataValue(9007199254740992ll), DataValue(9007199254740993ll));
-    ExpectOrdered(DataValue(kInt64Min), DataValue(kInt64Min + 1));
-    // A NaN is on no side of an integer.
     ExpectUnordered(DataValue(0), DataValue::FromDouble(kNaN));
     // Specials are not looked at across the two types: a null integer counts as 0.
     ExpectOrdered(DataValue(Special::Null, DataType::Integer), DataValue::FromDouble(0.5));
-    ExpectOrdered(DataValue::FromDouble(-0.5), DataValue(Special::Missing, DataType::Integer));
-    ExpectOrdered(DataValue(Special::Null, DataType::Real), DataValue(1));
     ExpectUnordered(DataValue(Special::Null, DataType::Integer), DataValue::FromDouble(0.0));
 }
 
@@ -419,7 +364,6 @@ TEST(DataValue, RealEqualityIsBitwise)
     ExpectUnordered(DataValue::FromDouble(kNaN), DataValue::FromDouble(otherNaN));
     ExpectUnordered(DataValue::FromDouble(kNaN), DataValue::FromDouble(1.0));
     // Decimals take no part in equality, order or hash.
-    ExpectEqual(DataValue(1.5, 10, 2), DataValue::FromDouble(1.5));
     ExpectEqual(DataValue(1.5, 10, 2), DataValue(1.5, 3, -1));
     ExpectOrdered(DataValue(1.25, 10, 2), DataValue(1.5, 2, 1));
 }
@@ -427,7 +371,7 @@ TEST(DataValue, RealEqualityIsBitwise)
 TEST(DataValue, SpecialsAreOrderedWithNullFirst)
 {
     // Within one type: Null, then the ordinary values, then the other specials by number.
-    for (DataType type : {DataType::Integer, DataType::Real, DataType::String, DataType::Boolean, DataType::Unknown}) {
+    for (DataType type : {DataType::Integer, DataType::Real, DataType::String, DataType::Unknown}) {
         SCOPED_TRACE(int(type));
         std::vector<DataValue> chain;
         chain.emplace_back(Special::Null, type);
@@ -444,13 +388,11 @@ TEST(DataValue, SpecialsAreOrderedWithNullFirst)
     // A null is below every ordinary value of its type, however small.
     ExpectOrdered(DataValue(Special::Null, DataType::Integer), DataValue(kInt64Min));
     ExpectOrdered(DataValue(Special::Null, DataType::Real), DataValue::FromDouble(-kInf));
-    ExpectOrdered(DataValue(Special::Null, DataType::Boolean), DataValue(false));
     // ... and an ordinary value below every other special, however large.
     ExpectOrdered(DataValue(kInt64Max), DataValue(Special::All, DataType::Integer));
     // Specials from documents may be negative: signed comparison.
     ExpectOrdered(DataValueTestPeer::Raw(0, -3, 0), DataValue(5));
     ExpectOrdered(DataValue(Special::Null, DataType::Integer), DataValueTestPeer::Raw(0, -3, 0));
-    // Equal specials of one type are equal.
     ExpectEqual(DataValue(Special::Wildcard, DataType::Date), DataValue(Special::Wildcard, DataType::Date));
 }
 
@@ -472,14 +414,13 @@ TEST(DataValue, UnlikeTypesAreOrderedByTheirNumber)
     }
     // Whatever the numbers say, the type comes first.
     ExpectOrdered(DataValue(kInt64Max), DataValue(Special::Null, DataType::String));
-    ExpectOrdered(DataValue::FromDouble(1e300), DataValue(false));
     ExpectOrdered(DataValue(true), DataValue());
 }
 
 TEST(DataValue, OrderWithinAType)
 {
-    ExpectOrdered(DataValue(-1), DataValue(0));
-    ExpectOrdered(DataValue(kInt64Min), DataValue(kInt64Max));
+    ExpectOrdered(DataValue(kInt64Min), DataValue(kInt64Min + 1));
+    ExpectOrdered(DataValue(-1), DataValue(kInt64Max));
     ExpectOrdered(DataValue(false), DataValue(true));
     ExpectOrdered(DataValue::FromDouble(-kInf), DataValue::FromDouble(-1e308));
     ExpectOrdered(DataValue::FromDouble(1e308), DataValue::FromDouble(kInf));
@@ -495,29 +436,7 @@ TEST(DataValue, OrderWithinAType)
     ExpectUnordered(DataValueTestPeer::Raw(40, 0, 1), DataValueTestPeer::Raw(40, 0, 2));
 }
 
-TEST(DataValue, SortingMixedValues)
-{
-    std::vector<DataValue> values = {
-        DataValue(true),  DataValue(3), DataValue(Special::Null, DataType::Integer), DataValue(-7),
-        DataValue(),      DataValue(Special::All, DataType::Integer), DataValue(false), DataValue(kInt64Min),
-    };
-    std::sort(values.begin(), values.end());
-    // The null integer first, the integers, the special All of integers, then the booleans and
-    // the unknown null by type number.
-    const std::vector<std::string> expected = {"NULL", "-9223372036854775808", "-7", "3", "%all%", "false", "true", "NULL"};
-    ASSERT_EQ(values.size(), expected.size());
-    for (size_t i = 0; i < values.size(); ++i) {
-        SCOPED_TRACE(i);
-        const DataValue& v = values[i];
-        EXPECT_EQ(v.GetSpecial() == Special::All ? std::string("%all%") : v.FormatAsLiteral().toStdString(), expected[i]);
-    }
-    EXPECT_EQ(values.front().GetType(), DataType::Integer);
-    EXPECT_EQ(values.back().GetType(), DataType::Unknown);
-}
-
-//===----------------------------------------------------------------------===//
-// Hashing
-//===----------------------------------------------------------------------===//
+//===--- Hashing ---===//
 
 // The expected numbers come from a separate XXH32 over the bytes written out by hand.
 TEST(DataValue, HashesArePinned)
@@ -528,38 +447,20 @@ TEST(DataValue, HashesArePinned)
         DataValue value;
         uint32_t hash;
     } rows[] = {
-        {"int 42", DataValue(42), 0x69936883u},
-        {"int 1", DataValue(1), 0x465507E8u},
-        {"int -1", DataValue(-1), 0x718CE1D2u},
-        {"int min", DataValue(kInt64Min), 0x51CB487Cu},
-        {"default", DataValue(), 0xC3B562A7u},
-        {"true", DataValue(true), 0x82FB4F61u},
-        {"false", DataValue(false), 0x23F20C71u},
-        {"real 1.0", DataValue::FromDouble(1.0), 0x55885D97u},
-        {"real 1.5", DataValue::FromDouble(1.5), 0x6C792159u},
-        {"decimal 1.5", DataValue(1.5, 4, 1), 0x6C792159u},
-        {"real 0.0", DataValue::FromDouble(0.0), 0x541D050Fu},
+        {"int 42", DataValue(42), 0x69936883u}, {"int -1", DataValue(-1), 0x718CE1D2u},
+        {"int min", DataValue(kInt64Min), 0x51CB487Cu}, {"default", DataValue(), 0xC3B562A7u},
+        {"true", DataValue(true), 0x82FB4F61u}, {"false", DataValue(false), 0x23F20C71u},
+        {"real 1.0", DataValue::FromDouble(1.0), 0x55885D97u}, {"real 1.5", DataValue::FromDouble(1.5), 0x6C792159u},
+        {"decimal 1.5", DataValue(1.5, 4, 1), 0x6C792159u}, {"real 0.0", DataValue::FromDouble(0.0), 0x541D050Fu},
         {"real -0.0", DataValue::FromDouble(-0.0), 0xA60C959Fu},
-        // A null real is hashed as its zero payload: it collides with 0.0.
-        {"null real", DataValue(Special::Null, DataType::Real), 0x541D050Fu},
+        // A special real is hashed as its zero payload: it collides with 0.0.
         {"missing real", DataValue(Special::Missing, DataType::Real), 0x541D050Fu},
-        {"int 0", DataValue(0), 0x63DC4486u},
-        {"null int", DataValue(Special::Null, DataType::Integer), 0x78E2CE38u},
+        {"int 0", DataValue(0), 0x63DC4486u}, {"null int", DataValue(Special::Null, DataType::Integer), 0x78E2CE38u},
         {"all int", DataValue(Special::All, DataType::Integer), 0x03C7CA6Bu},
-        {"wildcard int", DataValue(Special::Wildcard, DataType::Integer), 0x43EDBA8Fu},
-        {"skipped int", DataValue(Special::Skipped, DataType::Integer), 0x6BD817A3u},
-        {"no-access int", DataValue(Special::NoAccess, DataType::Integer), 0xD972EC85u},
-        {"ragged int", DataValue(Special::Ragged, DataType::Integer), 0xC769FB1Bu},
-        {"error int", DataValue(Special::Error, DataType::Integer), 0xCE14E0A6u},
-        {"many-values int", DataValue(Special::ManyValues, DataType::Integer), 0xE1ABFB20u},
         {"missing int", DataValue(Special::Missing, DataType::Integer), 0x64D6E8A9u},
         {"null string", DataValue(Special::Null, DataType::String), 0xE8EAAB30u},
-        {"null datetime", DataValue(Special::Null, DataType::DateTime), 0x573D3632u},
-        {"null boolean", DataValue(Special::Null, DataType::Boolean), 0xD2480C38u},
         {"null date", DataValue(Special::Null, DataType::Date), 0xD707D313u},
         {"null spatial", DataValue(Special::Null, DataType::Spatial), 0xCCB4C57Du},
-        {"null binary", DataValue(Special::Null, DataType::Binary), 0x6B327A18u},
-        {"null time", DataValue(Special::Null, DataType::Time), 0xF18D85E1u},
         {"null table", DataValue(Special::Null, DataType::Table), 0x19A0C50Bu},
     };
     for (const Row& row : rows) {
@@ -585,11 +486,9 @@ TEST(DataValue, InlineHashAgreesWithTheGeneralRoutine)
     for (int i = 0; i < 100000; ++i) {
         const uint64_t payload = next();
         uint64_t header = next();
-        // Strings, tuples and spatial values hash their objects, which random bytes are not:
-        // those three type bytes are moved out of the enumeration.
+        // Strings, tuples and shapes hash their objects, which random bytes are not.
         if (uint8_t(header) == 2 || uint8_t(header) == 6 || uint8_t(header) == 7)
             header |= 0x80;
-        // Any header, including bytes no setter writes; the type byte picks the row.
         DataValue v = DataValueTestPeer::RawWords(header, payload);
         uint8_t bytes[16];
         std::memcpy(bytes, static_cast<const void*>(&v), sizeof bytes);
@@ -599,7 +498,6 @@ TEST(DataValue, InlineHashAgreesWithTheGeneralRoutine)
         const uint32_t actual = v.Hash();
         DataValueTestPeer::Forget(v);
         ASSERT_EQ(actual, expected) << i;
-        // And every real payload, since reals take the short form.
         const DataValue real = DataValue::FromDouble(RealOfBits(payload));
         const uint8_t realType = 1;
         ASSERT_EQ(real.Hash(), THash32(&payload, 8, THash32(&realType, 1, 0xDEADBEEFu))) << i;
@@ -608,26 +506,7 @@ TEST(DataValue, InlineHashAgreesWithTheGeneralRoutine)
     EXPECT_EQ(Implementation::THash32OfByte(anyByte, 77u), THash32(&anyByte, 1, 77u));
 }
 
-TEST(DataValue, EqualValuesCollapseInAHashSet)
-{
-    std::unordered_set<DataValue> set;
-    set.insert(DataValue::FromDouble(1.5));
-    set.insert(DataValue(1.5, 9, 2));
-    set.insert(1.5_dv);
-    set.insert(DataValue(7));
-    set.insert(DataValue(long(7)));
-    set.insert(7_dv);
-    set.insert(DataValue::FromDouble(kNaN));
-    set.insert(DataValue::FromDouble(kNaN));
-    EXPECT_EQ(set.size(), 3u);
-    // 7 and 7.0 are different values.
-    set.insert(DataValue::FromDouble(7.0));
-    EXPECT_EQ(set.size(), 4u);
-}
-
-//===----------------------------------------------------------------------===//
-// Literal form and text
-//===----------------------------------------------------------------------===//
+//===--- Literal form and text ---===//
 
 TEST(DataValue, LiteralForm)
 {
@@ -636,41 +515,29 @@ TEST(DataValue, LiteralForm)
         DataValue value;
         const char16_t* literal;
     } rows[] = {
-        {DataValue(42), u"42"},
-        {DataValue(-7), u"-7"},
-        {DataValue(kInt64Min), u"-9223372036854775808"},
-        {DataValue(kInt64Max), u"9223372036854775807"},
-        {DataValue::FromDouble(3.0), u"3."},
-        {DataValue::FromDouble(-3.0), u"-3."},
+        {DataValue(-7), u"-7"}, {DataValue(kInt64Min), u"-9223372036854775808"},
+        {DataValue(kInt64Max), u"9223372036854775807"}, {DataValue::FromDouble(-3.0), u"-3."},
         {DataValue::FromDouble(0.0), u"0."},
         // Negative zero keeps its sign and reads back as itself.
-        {DataValue::FromDouble(-0.0), u"-0."},
-        {DataValue::FromDouble(2.5), u"2.5"},
-        {DataValue::FromDouble(0.1), u"0.10000000000000001"},
-        {DataValue::FromDouble(1e16), u"10000000000000000."},
-        {DataValue::FromDouble(1e17), u"1e+17"},
-        {DataValue::FromDouble(1e20), u"1e+20"},
-        {DataValue::FromDouble(1e300), u"1.0000000000000001e+300"},
-        {DataValue::FromDouble(1e-5), u"1.0000000000000001e-05"},
-        {DataValue::FromDouble(kNaN), u"nan"},
-        {DataValue::FromDouble(kInf), u"inf"},
-        {DataValue::FromDouble(-kInf), u"-inf"},
+        {DataValue::FromDouble(-0.0), u"-0."}, {DataValue::FromDouble(2.5), u"2.5"},
+        {DataValue::FromDouble(0.1), u"0.10000000000000001"}, {DataValue::FromDouble(1e16), u"10000000000000000."},
+        {DataValue::FromDouble(1e17), u"1e+17"}, {DataValue::FromDouble(1e300), u"1.0000000000000001e+300"},
+        {DataValue::FromDouble(1e-5), u"1.0000000000000001e-05"}, {DataValue::FromDouble(kNaN), u"nan"},
+        {DataValue::FromDouble(kInf), u"inf"}, {DataValue::FromDouble(-kInf), u"-inf"},
         {DataValue(2.0, 5, 2), u"2."}, // decimals do not show
-        {DataValue(true), u"true"},
-        {DataValue(false), u"false"},
-        {DataValue(), u"NULL"},
-        {DataValue(Special::Null, DataType::Integer), u"NULL"},
-        {DataValue(Special::Null, DataType::String), u"NULL"},
+        {DataValue(true), u"true"}, {DataValue(false), u"false"},
+        {DataValue(), u"NULL"}, {DataValue(Special::Null, DataType::Integer), u"NULL"},
         // Kinds without a literal give the empty text.
-        {DataValueTestPeer::Raw(8, 0, 0), u""},
-        {DataValueTestPeer::Raw(9, 0, 0), u""},
-        {DataValueTestPeer::Raw(10, 0, 5), u""},
-        {DataValueTestPeer::Raw(11, 0, 0), u""},
+        {DataValueTestPeer::Raw(8, 0, 0), u""}, {DataValueTestPeer::Raw(9, 0, 0), u""},
+        {DataValueTestPeer::Raw(10, 0, 5), u""}, {DataValueTestPeer::Raw(11, 0, 0), u""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(TString(row.literal).toStdString());
         EXPECT_EQ(row.value.FormatAsLiteral(), TString(row.literal));
     }
+    std::ostringstream out;
+    out << DataValue(42) << ' ' << DataValue::FromDouble(3.0) << ' ' << DataValue();
+    EXPECT_EQ(out.str(), "\"42\" \"3.\" \"NULL\"");
 }
 
 TEST(DataValue, OnlyNullHasALiteralAmongTheSpecials)
@@ -693,16 +560,10 @@ TEST(DataValue, PrintableStrings)
         std::u16string text;
         const char* printable;
     } rows[] = {
-        {u"", "\"\""},
-        {u"abc", "\"abc\""},
-        {u"\u00E9", "\"\\x00E9\""},
-        {u"\t", "\"\\t\""},
-        {u"a\nb\rc", "\"a\\nb\\rc\""},
-        {u"\\ \" '", "\"\\\\ \\\" \\'\""},
-        {u"~ !", "\"~ !\""},
-        {std::u16string(1, u'\0'), "\"\\x0000\""},
-        {u"\x1F\x7F", "\"\\x001F\\x007F\""},
-        {u"\uFFFF", "\"\\xFFFF\""},
+        {u"", "\"\""}, {u"abc", "\"abc\""},
+        {u"\u00E9", "\"\\x00E9\""}, {u"a\nb\rc", "\"a\\nb\\rc\""},
+        {u"\\ \" '", "\"\\\\ \\\" \\'\""}, {u"~ !", "\"~ !\""},
+        {std::u16string(1, u'\0'), "\"\\x0000\""}, {u"\x1F\x7F", "\"\\x001F\\x007F\""},
         // A surrogate pair is two units, two escapes.
         {u"\U0001F600", "\"\\xD83D\\xDE00\""},
     };
@@ -710,13 +571,6 @@ TEST(DataValue, PrintableStrings)
         SCOPED_TRACE(row.printable);
         EXPECT_EQ(toPrintableString(TString(row.text.data(), int(row.text.size()))), row.printable);
     }
-}
-
-TEST(DataValue, StreamsItsPrintableLiteral)
-{
-    std::ostringstream out;
-    out << DataValue(42) << ' ' << DataValue::FromDouble(3.0) << ' ' << DataValue();
-    EXPECT_EQ(out.str(), "\"42\" \"3.\" \"NULL\"");
 }
 
 TEST(DataValue, TypeNames)
@@ -731,9 +585,7 @@ TEST(DataValue, TypeNames)
     EXPECT_EQ(DataValue::DataTypeToString(DataType(255)), TString(u"UNKNOWN(255)"));
 }
 
-//===----------------------------------------------------------------------===//
-// Visiting
-//===----------------------------------------------------------------------===//
+//===--- Visiting ---===//
 
 TEST(DataValue, TheInspectorSeesTheNumericKinds)
 {
@@ -743,23 +595,18 @@ TEST(DataValue, TheInspectorSeesTheNumericKinds)
         DataValue value;
         std::vector<std::string> calls;
     } rows[] = {
-        {"int", DataValue(-42), {"int -42"}},
-        {"real", DataValue::FromDouble(2.5), {"real 2.500000 -1 -1"}},
+        {"int", DataValue(-42), {"int -42"}}, {"real", DataValue::FromDouble(2.5), {"real 2.500000 -1 -1"}},
         // Precision and scale as stored, even odd ones.
         {"decimal", DataValue(2.5, 10, 2), {"real 2.500000 10 2"}},
         {"odd decimal", DataValue(2.5, -100, 127), {"real 2.500000 -100 127"}},
-        {"true", DataValue(true), {"bool true"}},
         {"false", DataValue(false), {"bool false"}},
         // A special of any type goes to InspectSpecial alone, the table type included.
-        {"null int", DataValue(Special::Null, DataType::Integer), {"special 1 of 0"}},
         {"all real", DataValue(Special::All, DataType::Real), {"special 2 of 1"}},
         {"default", DataValue(), {"special 1 of 8"}},
         {"null table", DataValue(Special::Null, DataType::Table), {"special 1 of 11"}},
         {"negative special", DataValueTestPeer::Raw(0, -3, 0), {"special -3 of 0"}},
         // Unknown and type bytes beyond the enumeration call nothing and raise nothing.
-        {"unknown", DataValueTestPeer::Raw(8, 0, 0), {}},
-        {"type 12", DataValueTestPeer::Raw(12, 0, 0), {}},
-        {"type 255", DataValueTestPeer::Raw(255, 0, 0), {}},
+        {"unknown", DataValueTestPeer::Raw(8, 0, 0), {}}, {"type 255", DataValueTestPeer::Raw(255, 0, 0), {}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
@@ -780,14 +627,11 @@ TEST(DataValue, AnOrdinaryTableIsNotVisited)
     EXPECT_TRUE(inspector.calls.empty());
 }
 
-//===----------------------------------------------------------------------===//
-// Unary minus
-//===----------------------------------------------------------------------===//
+//===--- Unary minus ---===//
 
 TEST(DataValue, UnaryMinus)
 {
     EXPECT_EQ(BytesOf(-DataValue(5)), BytesOf(DataValue(-5)));
-    EXPECT_EQ((-DataValue(kInt64Max)).GetInt(), kInt64Min + 1);
     EXPECT_EQ((-DataValue(kInt64Min)).GetInt(), kInt64Min); // wraps
     EXPECT_EQ(BytesOf(-DataValue::FromDouble(2.5)), BytesOf(DataValue::FromDouble(-2.5)));
     // The decimals are forgotten.
@@ -799,7 +643,7 @@ TEST(DataValue, UnaryMinus)
     // The sign bit of a NaN flips too.
     EXPECT_EQ((-DataValue::FromDouble(kNaN)).GetAny(), BitsOf(kNaN) ^ 0x8000000000000000ull);
 
-    for (DataType type : {DataType::Boolean, DataType::String, DataType::Unknown, DataType::Date, DataType::Time}) {
+    for (DataType type : {DataType::Boolean, DataType::String, DataType::Unknown, DataType::Date}) {
         SCOPED_TRACE(int(type));
         const auto e = Caught([&] { (void)-DataValue(Special::Null, type); });
         EXPECT_EQ(e->GetErrorInfo().GetError().GetCode(), 0xED6A87E9u);
@@ -808,9 +652,7 @@ TEST(DataValue, UnaryMinus)
     EXPECT_THROW((void)-DataValue(true), LogicException);
 }
 
-//===----------------------------------------------------------------------===//
-// Copy, move and ownership
-//===----------------------------------------------------------------------===//
+//===--- Copy, move and ownership ---===//
 
 TEST(DataValue, MoveLeavesAnUnknownSource)
 {
@@ -820,18 +662,8 @@ TEST(DataValue, MoveLeavesAnUnknownSource)
     EXPECT_EQ(source.GetType(), DataType::Unknown);
     EXPECT_EQ(source.GetSpecial(), Special::None); // only the type byte is overwritten
     EXPECT_EQ(source.GetAny(), 5u);
-
-    DataValue nullString(Special::Null, DataType::String);
-    DataValue other;
-    other = std::move(nullString);
-    EXPECT_EQ(other.GetType(), DataType::String);
-    EXPECT_EQ(nullString.GetType(), DataType::Unknown);
-    EXPECT_TRUE(nullString.IsNull());
-
-    // A moved-from value may be assigned to again.
-    source = DataValue(true);
+    source = DataValue(true); // a moved-from value may be assigned to again
     EXPECT_EQ(source, DataValue(true));
-    // Moving onto itself changes nothing.
     DataValue& alias = target;
     target = std::move(alias);
     EXPECT_EQ(target, DataValue(5));
@@ -873,14 +705,6 @@ TEST(DataValue, CountedObjectsAreSharedAndReleased)
     EXPECT_EQ(deaths, 1);
 }
 
-TEST(DataValue, StringsStartWithoutAnOrdinal)
-{
-    int deaths = 0;
-    const DataValue s = DataValueTestPeer::Counted(DataType::String, new Counted(&deaths));
-    EXPECT_EQ(DataValueTestPeer::Ordinal(s), -2);
-    EXPECT_EQ(s.GetSpecial(), Special::None);
-}
-
 TEST(DataValue, AssigningAMemberOfTheOwnedObjectIsSafe)
 {
     // The value is the only owner of the holder, and is assigned the holder's own member:
@@ -912,22 +736,14 @@ TEST(DataValue, SpatialCopiesGetABoxOfTheirOwn)
     ASSERT_EQ(owner.use_count(), 2);
     {
         DataValue a = DataValueTestPeer::Spatial(spatial);
-        EXPECT_EQ(owner.use_count(), 3);
-        EXPECT_EQ(a.GetType(), DataType::Spatial);
         auto copy = std::make_unique<DataValue>(a);
-        EXPECT_EQ(owner.use_count(), 4);
         EXPECT_NE(copy->GetAny(), a.GetAny()); // another box
-        EXPECT_EQ(DataValueTestPeer::SpatialOf(*copy), spatial);
         EXPECT_EQ(owner.use_count(), 4);
-
-        // Destroying the source leaves the copy intact.
         {
-            DataValue gone(std::move(a));
+            DataValue gone(std::move(a)); // a move takes no reference
             EXPECT_EQ(owner.use_count(), 4);
         }
-        EXPECT_EQ(owner.use_count(), 3);
         EXPECT_EQ(DataValueTestPeer::SpatialOf(*copy), spatial);
-
         DataValue assigned(1);
         assigned = *copy;
         EXPECT_EQ(owner.use_count(), 4);
