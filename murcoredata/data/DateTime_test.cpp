@@ -1,8 +1,6 @@
 #include "murcoredata/data/DateTime.h"
+#include "murcoredata/foundation/Caught_test.h"
 #include "murcoredata/foundation/LogCapture_test.h"
-
-#include "murcoredata/foundation/MurvaneError.h"
-#include "murcoredata/foundation/TLog.h"
 
 #include <gtest/gtest.h>
 
@@ -10,14 +8,13 @@
 
 #include <climits>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <functional>
 #include <limits>
-#include <mutex>
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -26,9 +23,11 @@ constexpr unsigned long long kHour = 36000000ULL;
 constexpr unsigned long long kMinute = 600000ULL;
 constexpr unsigned long long kSecond = 10000ULL;
 
-// An independent reckoning of the proleptic Gregorian calendar, in integers only (the
-// days-from-civil and civil-from-days algorithms of the public domain), shifted so that
-// 1970-01-01 is day number 2440587.
+// The failure sites: SetDateTime, SetTime, Validate, IsFractionTruncated.
+constexpr uint32_t kBadDateTime = 0xDD90F63D, kBadTime = 0x87C06BF7, kInvalid = 0xE154043D, kBadFraction = 0x47EE95FC;
+
+// An independent proleptic Gregorian calendar in integers only (the public-domain
+// days-from-civil and civil-from-days algorithms), shifted so that 1970-01-01 is day 2440587.
 constexpr int64_t kUnixDay = 2440587;
 
 int64_t RefDayNumber(int64_t y, int m, int d)
@@ -41,12 +40,7 @@ int64_t RefDayNumber(int64_t y, int m, int d)
     return era * 146097 + doe - 719468 + kUnixDay;
 }
 
-struct Civil
-{
-    int64_t y;
-    int m;
-    int d;
-};
+struct Civil { int64_t y; int m; int d; };
 
 Civil RefCivil(int64_t dayNumber)
 {
@@ -72,8 +66,7 @@ int RefMondayIndex(int64_t dayNumber)
     return int(((dayNumber - kUnixDay + 3) % 7 + 7) % 7);
 }
 
-// ISO week date by the Thursday rule: a week belongs to the year of its Thursday, and its
-// number is the count of Thursdays of that year up to it.
+// ISO week date by the Thursday rule: a week belongs to the year of its Thursday.
 void RefISO(int64_t dayNumber, int64_t& isoYear, int& week, int& weekday)
 {
     weekday = RefMondayIndex(dayNumber) + 1;
@@ -93,9 +86,11 @@ DateTime At(int y, int m, int d, int hh = 0, int mm = 0, int ss = 0, unsigned lo
     return DateTime::FromValue(Rep(y, m, d, hh, mm, ss, ticks));
 }
 
-// Runs `f`, which must throw the library's date-time failure with this error record.
-void ExpectDateTimeError(const std::function<void()>& f, uint32_t code, const char* name)
+// Runs `f`, which must throw the library's date-time failure of that site.
+void ExpectDateTimeError(const std::function<void()>& f, uint32_t code)
 {
+    char name[64];
+    std::snprintf(name, sizeof name, "MurvaneException_AutoGen_0x%08X", code);
     try {
         f();
         ADD_FAILURE() << "no exception, expected " << name;
@@ -110,54 +105,35 @@ void ExpectDateTimeError(const std::function<void()>& f, uint32_t code, const ch
     }
 }
 
-void ExpectLogicAssert(const std::function<void()>& f, uint32_t code, const std::string& condition)
-{
-    try {
-        f();
-        ADD_FAILURE() << "no assertion, expected " << condition;
-    } catch (const LogicException& e) {
-        EXPECT_EQ(e.GetErrorInfo().GetError().GetCode(), code);
-        const std::string message = e.GetMessagesFront().toStdString();
-        EXPECT_EQ(message.rfind("data/DateTime", 0), 0u) << message;
-        EXPECT_NE(message.find(": " + condition), std::string::npos) << message;
-    }
-}
-
 using LogCapture = TestSupport::ScopedLogCapture;
+using TestSupport::ExpectLogicFailure;
 
-// Sets TZ for the life of the object. The library reads TZ once per process; the test
-// calls tzset itself so that the zone is in force whichever test ran first.
+// Sets TZ for the life of the object. The library reads TZ once per process; calling tzset
+// here puts the zone in force whichever test ran first.
 class ScopedTimeZone
 {
 public:
-    explicit ScopedTimeZone(const char* zone)
+    explicit ScopedTimeZone(const char* zone) : m_hadOld(std::getenv("TZ") != nullptr)
     {
-        const char* old = std::getenv("TZ");
-        m_hadOld = old != nullptr;
         if (m_hadOld)
-            m_old = old;
+            m_old = std::getenv("TZ");
         ::setenv("TZ", zone, 1);
         ::tzset();
     }
     ~ScopedTimeZone()
     {
-        if (m_hadOld)
-            ::setenv("TZ", m_old.c_str(), 1);
-        else
-            ::unsetenv("TZ");
+        m_hadOld ? ::setenv("TZ", m_old.c_str(), 1) : ::unsetenv("TZ");
         ::tzset();
     }
 
 private:
-    bool m_hadOld = false;
+    bool m_hadOld;
     std::string m_old;
 };
 
 } // namespace
 
-//===----------------------------------------------------------------------===//
-// Type facts and constants
-//===----------------------------------------------------------------------===//
+//===-- Type facts and constants ------------------------------------------===//
 
 static_assert(sizeof(DateTime) == 8, "");
 static_assert(std::is_trivially_copyable<DateTime>::value, "");
@@ -167,7 +143,7 @@ static_assert(DateTime().GetRepresentation() == 2086575552000000ULL, "");
 static_assert(!DateTime().HasDate() && !DateTime().HasTime(), "");
 static_assert(DateTime::FromValue(5) < DateTime::FromValue(6), "");
 
-TEST(DateTime, ConstantsHaveTheirFixedValues)
+TEST(DateTime, ConstantsAndEpochs)
 {
     EXPECT_EQ(DateTime::s_accuracy, 1e-05);
     EXPECT_EQ(DateTime::s_scaling, 864000000ULL);
@@ -175,35 +151,19 @@ TEST(DateTime, ConstantsHaveTheirFixedValues)
     EXPECT_EQ(DateTime::s_baseDateEpoch, 2086577280000000ULL);
     EXPECT_EQ(DateTime::maxGregorianDate, 4642690175990000ULL);
     EXPECT_EQ(DateTime::minGregorianDate, 1518552576000000ULL);
-    EXPECT_EQ(DateTime::s_OLEEpoch, Rep(1899, 12, 30));
-    EXPECT_EQ(DateTime::s_baseDateEpoch, Rep(1900, 1, 1));
-    EXPECT_EQ(DateTime::maxGregorianDate, Rep(9999, 12, 31, 23, 59, 59));
-    EXPECT_EQ(DateTime::minGregorianDate, Rep(100, 1, 1));
-}
-
-TEST(DateTime, EpochObjectsAgreeWithSetDateTime)
-{
     EXPECT_EQ(DateTime::OLEEpoch, DateTime(1899, 12, 30, 0, 0, 0, 0.0));
     EXPECT_EQ(DateTime::BaseDateEpoch, DateTime(1900, 1, 1, 0, 0, 0, 0.0));
     EXPECT_EQ(DateTime::UnixEpoch, DateTime(1970, 1, 1, 0, 0, 0, 0.0));
     EXPECT_EQ(DateTime::UnixEpoch.GetRepresentation(), 2440587ULL * kDay);
     EXPECT_EQ(DateTime(), DateTime::OLEEpoch);
-    EXPECT_FALSE(DateTime().HasDate());
-    EXPECT_TRUE(DateTime::BaseDateEpoch.HasDate());
 }
 
-//===----------------------------------------------------------------------===//
-// Day numbers
-//===----------------------------------------------------------------------===//
+//===-- Day numbers -------------------------------------------------------===//
 
 TEST(DateTime, KnownDayNumbers)
 {
     // Julian dates of midnight, less one half.
-    const struct
-    {
-        int y, m, d;
-        uint32_t dayNumber;
-    } rows[] = {
+    const struct { int y, m, d; uint32_t dayNumber; } rows[] = {
         {1899, 12, 30, 2415018}, {1900, 1, 1, 2415020}, {1970, 1, 1, 2440587}, {2000, 1, 1, 2451544},
         {1582, 10, 15, 2299160}, {9999, 12, 31, 5373483}, {100, 1, 1, 1757584}, {2000, 2, 29, 2451603},
     };
@@ -221,23 +181,15 @@ TEST(DateTime, EveryDayFrom400To9999AgreesWithAnIntegerCalendar)
     const int64_t first = RefDayNumber(400, 1, 1);
     const int64_t last = RefDayNumber(9999, 12, 31);
     int dayOfYear = 0;
-    int week = 0;
-    int weekFrom[8] = {};
+    int weekFrom[8] = {}; // the week number when weeks start on day s, 1 = Sunday
     int failures = 0;
     for (int64_t n = first; n <= last && failures < 10; ++n) {
         const Civil c = RefCivil(n);
         const int sundayBased = (RefMondayIndex(n) + 1) % 7 + 1; // 1 = Sunday
-        if (c.m == 1 && c.d == 1) {
-            dayOfYear = 1;
-            week = 1;
-            for (int s = 1; s <= 7; ++s)
-                weekFrom[s] = 1;
-        } else {
-            ++dayOfYear;
-            week += sundayBased == 1;
-            for (int s = 1; s <= 7; ++s)
-                weekFrom[s] += sundayBased == s;
-        }
+        const bool newYear = c.m == 1 && c.d == 1;
+        dayOfYear = newYear ? 1 : dayOfYear + 1;
+        for (int s = 1; s <= 7; ++s)
+            weekFrom[s] = newYear ? 1 : weekFrom[s] + (sundayBased == s);
         int64_t isoYear = 0;
         int isoWeek = 0, isoWeekday = 0;
         RefISO(n, isoYear, isoWeek, isoWeekday);
@@ -245,7 +197,7 @@ TEST(DateTime, EveryDayFrom400To9999AgreesWithAnIntegerCalendar)
         const DateTime v = DateTime::FromValue(uint64_t(n) * kDay + 12 * kHour);
         bool ok = date::fromGregorianDate(long(c.y), c.m, c.d).GetDayNumber() == uint32_t(n) &&
                   v.GetYearMonthDay() == DateTime::YearMonthDay(int(c.y), c.m, c.d) && v.GetDayOfWeek() == sundayBased &&
-                  v.GetDayOfYear() == dayOfYear && v.GetWeek() == week && v.GetQuarter() == (c.m - 1) / 3 + 1 &&
+                  v.GetDayOfYear() == dayOfYear && v.GetWeek() == weekFrom[1] && v.GetQuarter() == (c.m - 1) / 3 + 1 &&
                   v.GetISO8601Year() == isoYear && v.GetISO8601Week() == isoWeek &&
                   v.GetISO8601DayOfWeek() == isoWeekday &&
                   DateTime::FromISO8601Date(int(isoYear), isoWeek, isoWeekday) == v.GetDate();
@@ -268,29 +220,21 @@ TEST(DateTime, BelowYear400TheWayBackFollowsAPlainJulianYear)
     EXPECT_EQ(At(400, 2, 29).GetYearMonthDay(), DateTime::YearMonthDay(400, 2, 29));
     // Such values are valid, but SetDateTime refuses the years.
     EXPECT_TRUE(At(399, 12, 31).IsValid());
-    ExpectDateTimeError([] { DateTime(399, 12, 31, 0, 0, 0, 0.0); }, 0xDD90F63D, "MurvaneException_AutoGen_0xDD90F63D");
+    ExpectDateTimeError([] { DateTime(399, 12, 31, 0, 0, 0, 0.0); }, kBadDateTime);
     EXPECT_EQ(DateTime(400, 1, 1, 0, 0, 0, 0.0), At(400, 1, 1));
 }
 
 TEST(DateTime, DayNumbersOfHugeRawValuesStayDefined)
 {
     // The quotient is kept modulo 2^32; nothing here may trap under the sanitizers.
-    for (unsigned long long raw : {0ULL, 1ULL, ~0ULL, ~0ULL - kDay, 1ULL << 63, (1ULL << 63) - 1, 4294967295ULL * kDay}) {
+    for (unsigned long long raw : {0ULL, ~0ULL, ~0ULL - kDay, 1ULL << 63, 4294967295ULL * kDay}) {
         SCOPED_TRACE(raw);
         const DateTime v = DateTime::FromValue(raw);
         const DateTime::YearMonthDay ymd = v.GetYearMonthDay();
-        EXPECT_GE(ymd.month, -128);
-        EXPECT_LE(ymd.month, 127);
-        (void)v.GetDayOfYear();
-        (void)v.GetWeek();
-        (void)v.GetWeek(INT_MIN);
-        (void)v.GetWeek(INT_MAX);
-        (void)v.GetISO8601Quarter();
-        (void)v.GetDaysSinceOLEEpoch();
-        (void)v.GetDaysSinceBaseDateEpoch();
-        (void)v.ToOleDate();
-        (void)v.ToQDateTime(true);
-        (void)v.HasTime();
+        EXPECT_TRUE(ymd.month >= -128 && ymd.month <= 127);
+        (void)v.GetDayOfYear(), (void)v.GetWeek(INT_MIN), (void)v.GetWeek(INT_MAX), (void)v.GetISO8601Quarter();
+        (void)v.GetDaysSinceOLEEpoch(), (void)v.GetDaysSinceBaseDateEpoch(), (void)v.ToOleDate();
+        (void)v.ToQDateTime(true), (void)v.HasTime();
         EXPECT_FALSE(v.IsValid());
     }
     // Read as signed, a raw value of 2^63 or more gives negative time fields.
@@ -308,10 +252,8 @@ TEST(DateTime, FromGregorianDateDoesNotValidate)
     EXPECT_EQ(date::fromGregorianDate(-1, 1, 1).GetDayNumber() + 366, date::fromGregorianDate(1, 1, 1).GetDayNumber());
     EXPECT_EQ(date::fromGregorianDate(-1, 1, 1).GetDayNumber(), uint32_t(RefDayNumber(0, 1, 1)));
     // Extreme years are defined values, not overflow.
-    (void)date::fromGregorianDate(LONG_MAX, 12, 31);
-    (void)date::fromGregorianDate(LONG_MIN, -128, -128);
-    (void)date::iso8601date(LONG_MAX, 127, 127);
-    (void)date::iso8601date(LONG_MIN, -128, -128);
+    (void)date::fromGregorianDate(LONG_MAX, 12, 31), (void)date::fromGregorianDate(LONG_MIN, -128, -128);
+    (void)date::iso8601date(LONG_MAX, 127, 127), (void)date::iso8601date(LONG_MIN, -128, -128);
 }
 
 TEST(DateTime, HmsDurationAddsMagnitudesAndTakesAnySign)
@@ -320,24 +262,23 @@ TEST(DateTime, HmsDurationAddsMagnitudesAndTakesAnySign)
     EXPECT_EQ(duration::hmsduration(1, 2, 3, 4, 5), (long long)(kDay + 2 * kHour + 3 * kMinute + 4 * kSecond + 5));
     EXPECT_EQ(duration::hmsduration(0, 0, 0, 0, -7), -7);
     EXPECT_EQ(duration::hmsduration(-1, 0, 0, 0, 0), -(long long)kDay);
-    EXPECT_EQ(duration::hmsduration(0, 0, 0, 0, 0), 0);
     (void)duration::hmsduration(LLONG_MIN, LLONG_MIN, LLONG_MIN, LLONG_MIN, LLONG_MIN); // wraps, defined
 }
 
-//===----------------------------------------------------------------------===//
-// SetDateTime
-//===----------------------------------------------------------------------===//
+//===-- SetDateTime and SetTime -------------------------------------------===//
 
 TEST(DateTime, SetDateTimeAcceptsRealDates)
 {
     EXPECT_EQ(DateTime(2000, 2, 29, 0, 0, 0, 0.0), At(2000, 2, 29));
-    EXPECT_EQ(DateTime(2021, 3, 4, 5, 6, 7, 0.0), At(2021, 3, 4, 5, 6, 7));
     EXPECT_EQ(DateTime(2021, 3, 4, 5, 6, 7, 0.25), At(2021, 3, 4, 5, 6, 7, 2500));
     EXPECT_EQ(DateTime(2021, 3, 4, 5, 6, 7, 0.0001), At(2021, 3, 4, 5, 6, 7, 1));
     EXPECT_EQ(DateTime(9999, 12, 31, 23, 59, 59, 0.0).GetRepresentation(), DateTime::maxGregorianDate);
     DateTime v;
     EXPECT_TRUE(v.SetDateTime(1970, 1, 1, 0, 0, 0, 0.0));
     EXPECT_EQ(v, DateTime::UnixEpoch);
+    // Beyond the end: accepted here, refused by IsValid.
+    EXPECT_FALSE(DateTime(9999, 12, 31, 23, 59, 59, 0.5).IsValid());
+    EXPECT_EQ(DateTime(10000, 1, 1, 0, 0, 0, 0.0), At(10000, 1, 1));
 }
 
 TEST(DateTime, SetDateTimeMovesOverflowingTimeFieldsIntoTheNextDay)
@@ -348,85 +289,43 @@ TEST(DateTime, SetDateTimeMovesOverflowingTimeFieldsIntoTheNextDay)
     EXPECT_EQ(DateTime(2020, 1, 1, 10, 0, 90, 0.0), At(2020, 1, 1, 10, 1, 30));
     // The overflow goes through a 32-bit tick count: 82 hours still fit, 83 do not.
     EXPECT_EQ(DateTime(2020, 1, 1, 82, 0, 0, 0.0), At(2020, 1, 4, 10));
-    ExpectDateTimeError([] { DateTime(2020, 1, 1, 83, 0, 0, 0.0); }, 0xDD90F63D, "MurvaneException_AutoGen_0xDD90F63D");
-}
-
-TEST(DateTime, NegativeFractionNegatesTheWholeTimeOfDay)
-{
-    // -0.5 s is -4999.5 ticks before the half-up rounding, so -4999 ticks; with 06:00 it
-    // lands 6 h 0.4999 s before midnight.
+    ExpectDateTimeError([] { DateTime(2020, 1, 1, 83, 0, 0, 0.0); }, kBadDateTime);
+    // A negative fraction negates the whole time of day: -0.5 s is -4999.5 ticks, rounded
+    // half up to -4999, so 06:00 lands 6 h 0.4999 s before midnight.
     EXPECT_EQ(DateTime(2020, 1, 1, 6, 0, 0, -0.5).GetRepresentation(), Rep(2020, 1, 1) - 6 * kHour - 4999);
-    EXPECT_EQ(DateTime(2020, 1, 1, 6, 0, 0, -0.5), At(2019, 12, 31, 17, 59, 59, 5001));
     EXPECT_LT(DateTime(2020, 1, 1, 0, 0, 0, -0.25), At(2020, 1, 1));
-}
-
-TEST(DateTime, SetDateTimeAtTheTopOfTheRange)
-{
-    const DateTime lastHalfSecond(9999, 12, 31, 23, 59, 59, 0.5);
-    EXPECT_FALSE(lastHalfSecond.IsValid());
-    EXPECT_TRUE(DateTime(9999, 12, 31, 23, 59, 59, 0.0).IsValid());
-    const DateTime afterTheEnd(10000, 1, 1, 0, 0, 0, 0.0); // accepted here, refused by IsValid
-    EXPECT_EQ(afterTheEnd, At(10000, 1, 1));
-    EXPECT_FALSE(afterTheEnd.IsValid());
 }
 
 TEST(DateTime, SetDateTimeRefusesBadFieldsAndLeavesTheValue)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double inf = std::numeric_limits<double>::infinity();
-    const struct
-    {
-        int y, m, d, hh, mm, ss;
-        double f;
-        const char* what;
-    } rows[] = {
-        {1999, 2, 29, 0, 0, 0, 0.0, "not a leap year"},
-        {2021, 2, 30, 0, 0, 0, 0.0, "February 30"},
-        {2021, 4, 31, 0, 0, 0, 0.0, "April 31"},
-        {2021, 13, 1, 0, 0, 0, 0.0, "month 13"},
-        {2021, 0, 1, 0, 0, 0, 0.0, "month 0"},
-        {2021, -1, 1, 0, 0, 0, 0.0, "month -1"},
-        {2021, 257, 1, 0, 0, 0, 0.0, "month that is 1 as a byte"},
-        {2021, 1, 0, 0, 0, 0, 0.0, "day 0"},
-        {2021, 1, 32, 0, 0, 0, 0.0, "day 32"},
-        {2021, 1, 257, 0, 0, 0, 0.0, "day that is 1 as a byte"},
-        {2021, 1, -255, 0, 0, 0, 0.0, "negative day that is 1 as a byte"},
-        {399, 12, 31, 0, 0, 0, 0.0, "year 399"},
-        {0, 1, 1, 0, 0, 0, 0.0, "year 0"},
-        {-1, 1, 1, 0, 0, 0, 0.0, "year -1"},
-        {INT_MIN, 1, 1, 0, 0, 0, 0.0, "INT_MIN year"},
-        {INT_MAX, 12, 31, 0, 0, 0, 0.0, "INT_MAX year"},
-        {2021, 1, 1, -1, 0, 0, 0.0, "hour -1"},
-        {2021, 1, 1, 0, -1, 0, 0.0, "minute -1"},
-        {2021, 1, 1, 0, 0, -1, 0.0, "second -1"},
+    const struct { int y, m, d, hh, mm, ss; double f; const char* what; } rows[] = {
+        {1999, 2, 29, 0, 0, 0, 0.0, "not a leap year"},     {2021, 4, 31, 0, 0, 0, 0.0, "April 31"},
+        {2021, 13, 1, 0, 0, 0, 0.0, "month 13"},            {2021, 0, 1, 0, 0, 0, 0.0, "month 0"},
+        {2021, 257, 1, 0, 0, 0, 0.0, "month 1 as a byte"},  {2021, 1, 0, 0, 0, 0, 0.0, "day 0"},
+        {2021, 1, 32, 0, 0, 0, 0.0, "day 32"},              {2021, 1, 257, 0, 0, 0, 0.0, "day 1 as a byte"},
+        {2021, 1, -255, 0, 0, 0, 0.0, "day -255"},          {399, 12, 31, 0, 0, 0, 0.0, "year 399"},
+        {0, 1, 1, 0, 0, 0, 0.0, "year 0"},                  {INT_MIN, 1, 1, 0, 0, 0, 0.0, "INT_MIN year"},
+        {INT_MAX, 12, 31, 0, 0, 0, 0.0, "INT_MAX year"},    {2021, 1, 1, -1, 0, 0, 0.0, "hour -1"},
+        {2021, 1, 1, 0, -1, 0, 0.0, "minute -1"},           {2021, 1, 1, 0, 0, -1, 0.0, "second -1"},
         {2021, 1, 1, INT_MIN, INT_MIN, INT_MIN, 0.0, "INT_MIN time"},
-        {2021, 1, 1, INT_MAX, 0, 0, 0.0, "INT_MAX hour"},
-        {2021, 1, 1, 0, INT_MAX, 0, 0.0, "INT_MAX minute"},
-        {2021, 1, 1, 0, 0, INT_MAX, 0.0, "INT_MAX second"},
-        {2021, 1, 1, 0, 0, 0, nan, "NaN fraction"},
-        {2021, 1, 1, 0, 0, 0, inf, "infinite fraction"},
-        {2021, 1, 1, 0, 0, 0, -inf, "negative infinite fraction"},
-        {2021, 1, 1, 0, 0, 0, 1e300, "huge fraction"},
-        {2021, 1, 1, 0, 0, 0, -1e300, "huge negative fraction"},
-        {2021, 1, 1, 0, 0, 0, 214748.4, "fraction just beyond 2^31 ticks"},
+        {2021, 1, 1, INT_MAX, 0, 0, 0.0, "INT_MAX hour"},   {2021, 1, 1, 0, INT_MAX, 0, 0.0, "INT_MAX minute"},
+        {2021, 1, 1, 0, 0, INT_MAX, 0.0, "INT_MAX second"}, {2021, 1, 1, 0, 0, 0, nan, "NaN fraction"},
+        {2021, 1, 1, 0, 0, 0, inf, "infinite fraction"},    {2021, 1, 1, 0, 0, 0, -inf, "-infinite fraction"},
+        {2021, 1, 1, 0, 0, 0, -1e300, "huge fraction"},     {2021, 1, 1, 0, 0, 0, 214748.4, "just over 2^31 ticks"},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.what);
         DateTime v = At(2001, 2, 3, 4, 5, 6, 7);
-        ExpectDateTimeError([&] { v.SetDateTime(r.y, r.m, r.d, r.hh, r.mm, r.ss, r.f); }, 0xDD90F63D,
-                            "MurvaneException_AutoGen_0xDD90F63D");
+        ExpectDateTimeError([&] { v.SetDateTime(r.y, r.m, r.d, r.hh, r.mm, r.ss, r.f); }, kBadDateTime);
         EXPECT_EQ(v, At(2001, 2, 3, 4, 5, 6, 7));
     }
 }
 
 TEST(DateTime, SetDateTimeLogsTheRefusedFieldsBeforeItThrows)
 {
-    const struct
-    {
-        int y, m, d, hh, mm, ss;
-        double f;
-        const char* line;
-    } rows[] = {
+    const struct { int y, m, d, hh, mm, ss; double f; const char* line; } rows[] = {
         {1999, 2, 29, 1, 2, 3, 0.0, "DateTime::SetDateTime: invalid datetime #1999-02-29T01:02:03.000000#"},
         // 0.9999 / 1e-5 is exactly 99990 in doubles.
         {2021, 2, 30, 12, 0, 0, 0.9999, "DateTime::SetDateTime: invalid datetime #2021-02-30T12:00:00.099990#"},
@@ -435,6 +334,7 @@ TEST(DateTime, SetDateTimeLogsTheRefusedFieldsBeforeItThrows)
         {399, 12, 31, 0, 0, 0, 0.0, "DateTime::SetDateTime: invalid datetime #0399-12-31T00:00:00.000000#"},
         // Hour 100: 23 plus 277200 s of fraction; 277200 / 1e-5 is 27719999999.99... in doubles.
         {2020, 1, 1, 100, 0, 0, 0.0, "DateTime::SetDateTime: invalid datetime #2020-01-01T23:00:00.27719999999#"},
+        {2021, 1, 1, 0, 0, 0, std::nan(""), "DateTime::SetDateTime: invalid datetime #2021-01-01T00:00:00.000000#"},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.line);
@@ -447,72 +347,49 @@ TEST(DateTime, SetDateTimeLogsTheRefusedFieldsBeforeItThrows)
         EXPECT_EQ(lines[0].first, TLog::Info);
     }
     {
-        // A NaN fraction still logs a line.
-        LogCapture capture(TLog::Trace);
-        DateTime v;
-        EXPECT_THROW(v.SetDateTime(2021, 1, 1, 0, 0, 0, std::nan("")), StringException);
-        ASSERT_EQ(capture.Lines().size(), 1u);
-        EXPECT_EQ(capture.Lines()[0].second, "DateTime::SetDateTime: invalid datetime #2021-01-01T00:00:00.000000#");
-    }
-    {
         // Above the minimum severity nothing is written, and success writes nothing.
         LogCapture capture(TLog::Warning);
         DateTime v;
         EXPECT_THROW(v.SetDateTime(1999, 2, 29, 0, 0, 0, 0.0), StringException);
         EXPECT_TRUE(capture.Lines().empty());
     }
-    {
-        LogCapture capture(TLog::Trace);
-        DateTime v(2000, 2, 29, 0, 0, 0, 0.0);
-        EXPECT_TRUE(capture.Lines().empty());
-    }
+    LogCapture capture(TLog::Trace);
+    DateTime v(2000, 2, 29, 0, 0, 0, 0.0);
+    EXPECT_TRUE(capture.Lines().empty());
 }
-
-//===----------------------------------------------------------------------===//
-// SetTime
-//===----------------------------------------------------------------------===//
 
 TEST(DateTime, SetTimeKeepsTheDate)
 {
     DateTime v = At(2021, 3, 4, 5, 6, 7, 8);
     v.SetTime(13, 14, 15, 0.5);
     EXPECT_EQ(v, At(2021, 3, 4, 13, 14, 15, 5000));
-    v.SetTime(0, 0, 0, 0.0);
-    EXPECT_EQ(v, At(2021, 3, 4));
     v.SetTime(24, 0, 0, 0.0); // overflows into the next day
     EXPECT_EQ(v, At(2021, 3, 5));
     v.SetTime(0, 0, 0, -0.5); // a negative fraction reaches back into the day before
     EXPECT_EQ(v, At(2021, 3, 4, 23, 59, 59, 5001));
-}
-
-TEST(DateTime, SetTimeBelowYear400KeepsTheDecomposedDate)
-{
-    DateTime v = DateTime::FromValue(DateTime::minGregorianDate); // reads as 0100-01-04
-    v.SetTime(12, 0, 0, 0.0);
-    EXPECT_EQ(v.GetRepresentation(), DateTime::minGregorianDate + 3 * kDay + 12 * kHour);
+    // Below year 400 the date kept is the decomposed one: the minimum reads as 0100-01-04.
+    DateTime low = DateTime::FromValue(DateTime::minGregorianDate);
+    low.SetTime(12, 0, 0, 0.0);
+    EXPECT_EQ(low.GetRepresentation(), DateTime::minGregorianDate + 3 * kDay + 12 * kHour);
 }
 
 TEST(DateTime, SetTimeRefusesBadFieldsWithoutALogLine)
 {
-    const struct
-    {
-        int hh, mm, ss;
-        double f;
-    } rows[] = {{-1, 0, 0, 0.0},     {0, -1, 0, 0.0},      {0, 0, -1, 0.0},    {INT_MIN, 0, 0, 0.0},
-                {INT_MAX, 0, 0, 0.0}, {0, 0, 0, std::nan("")}, {0, 0, 0, 1e300}, {83, 0, 0, 0.0}};
+    const struct { int hh, mm, ss; double f; } rows[] = {
+        {-1, 0, 0, 0.0}, {0, -1, 0, 0.0}, {0, 0, -1, 0.0}, {INT_MIN, 0, 0, 0.0},
+        {INT_MAX, 0, 0, 0.0}, {0, 0, 0, std::nan("")}, {0, 0, 0, 1e300}, {83, 0, 0, 0.0},
+    };
     for (const auto& r : rows) {
         SCOPED_TRACE(::testing::Message() << r.hh << ":" << r.mm << ":" << r.ss << " + " << r.f);
         LogCapture capture(TLog::Trace);
         DateTime v = At(2021, 3, 4);
-        ExpectDateTimeError([&] { v.SetTime(r.hh, r.mm, r.ss, r.f); }, 0x87C06BF7, "MurvaneException_AutoGen_0x87C06BF7");
+        ExpectDateTimeError([&] { v.SetTime(r.hh, r.mm, r.ss, r.f); }, kBadTime);
         EXPECT_EQ(v, At(2021, 3, 4));
         EXPECT_TRUE(capture.Lines().empty());
     }
 }
 
-//===----------------------------------------------------------------------===//
-// Accessors
-//===----------------------------------------------------------------------===//
+//===-- Accessors ---------------------------------------------------------===//
 
 TEST(DateTime, TimeOfDayAccessors)
 {
@@ -521,17 +398,12 @@ TEST(DateTime, TimeOfDayAccessors)
     EXPECT_EQ(v.GetMinute(), 6);
     EXPECT_EQ(v.GetSecond(), 7);
     EXPECT_DOUBLE_EQ(v.GetFraction(), 0.8901);
-    EXPECT_EQ(v.GetMilliseconds(), 890);
     EXPECT_EQ(v.GetDate(), At(2021, 3, 4));
-    EXPECT_TRUE(v.HasDate());
-    EXPECT_TRUE(v.HasTime());
+    EXPECT_TRUE(v.HasDate() && v.HasTime());
     EXPECT_FALSE(At(2021, 3, 4).HasTime());
     EXPECT_TRUE(At(2021, 3, 4, 0, 0, 0, 1).HasTime());
-    EXPECT_TRUE(At(2021, 3, 4, 0, 0, 1).HasTime());
     EXPECT_FALSE(At(1899, 12, 30, 23, 59, 59).HasDate());
-    EXPECT_TRUE(At(1899, 12, 30, 23, 59, 59).HasTime());
-    // On this platform the double product of every stored fraction truncates to its exact
-    // millisecond.
+    // On this platform the double product of every stored fraction truncates to its exact millisecond.
     for (unsigned long long ticks = 0; ticks < 10000; ++ticks)
         ASSERT_EQ(At(2021, 3, 4, 0, 0, 0, ticks).GetMilliseconds(), int(ticks / 10)) << ticks;
 }
@@ -540,23 +412,16 @@ TEST(DateTime, WeeksStartOnTheGivenDay)
 {
     // 2021-01-01 is a Friday.
     EXPECT_EQ(At(2021, 1, 1).GetDayOfWeek(), 6);
-    EXPECT_EQ(At(2021, 1, 1).GetWeek(), 1);
     EXPECT_EQ(At(2021, 1, 2).GetWeek(), 1);
-    EXPECT_EQ(At(2021, 1, 3).GetWeek(), 2);    // Sunday opens week 2
-    EXPECT_EQ(At(2021, 1, 3).GetWeek(2), 1);   // Monday-based: still week 1
-    EXPECT_EQ(At(2021, 1, 4).GetWeek(2), 2);
-    EXPECT_EQ(At(2021, 1, 1).GetWeek(6), 1);   // Friday-based: January 1 opens it
-    EXPECT_EQ(At(2021, 1, 8).GetWeek(6), 2);
+    EXPECT_EQ(At(2021, 1, 3).GetWeek(), 2);  // Sunday opens week 2
+    EXPECT_EQ(At(2021, 1, 3).GetWeek(2), 1); // Monday-based: still week 1
+    EXPECT_EQ(At(2021, 1, 8).GetWeek(6), 2); // Friday-based: January 1 opened week 1
     EXPECT_EQ(At(2021, 12, 31).GetWeek(), 53);
-    EXPECT_EQ(At(2021, 12, 31).GetDayOfYear(), 365);
-    EXPECT_EQ(At(2020, 12, 31).GetDayOfYear(), 366);
 }
 
 TEST(DateTime, DaysSinceTheEpochsCountWholeCalendarDays)
 {
-    EXPECT_EQ(At(1899, 12, 30).GetDaysSinceOLEEpoch(), 0);
     EXPECT_EQ(At(1899, 12, 30, 23, 59, 59).GetDaysSinceOLEEpoch(), 0);
-    EXPECT_EQ(At(1900, 1, 1, 12).GetDaysSinceOLEEpoch(), 2);
     EXPECT_EQ(At(2021, 3, 4).GetDaysSinceOLEEpoch(), 44259);
     EXPECT_EQ(At(1899, 12, 29, 12).GetDaysSinceOLEEpoch(), -1);
     EXPECT_EQ(At(1899, 12, 29).GetDaysSinceOLEEpoch(), -1);
@@ -568,40 +433,27 @@ TEST(DateTime, DaysSinceTheEpochsCountWholeCalendarDays)
 
 TEST(DateTime, LastDayOfTheMonth)
 {
-    const struct
-    {
-        int y, m, last;
-    } rows[] = {
-        {2021, 1, 31}, {2021, 2, 28}, {2020, 2, 29}, {1900, 2, 28}, {2000, 2, 29}, {2021, 4, 30}, {2021, 6, 30},
-        {2021, 9, 30}, {2021, 11, 30}, {2021, 12, 31}, {-1, 2, 29},  {-1, -1, 31},  {2021, 13, 30}, {2021, 0, 30},
-        {2021, -2, 30}, {2021, INT_MIN, 30}, {400, 2, 29},
+    const struct { int y, m, last; } rows[] = {
+        {2021, 1, 31}, {2021, 4, 30},  {2021, 12, 31}, {-1, 2, 29},     {-1, -1, 31},
+        {2021, 13, 30}, {2021, 0, 30}, {2021, -2, 30}, {2021, INT_MIN, 30},
     };
     for (const auto& r : rows)
         EXPECT_EQ(DateTime::LastDay(r.y, r.m), r.last) << r.y << "-" << r.m;
-    // Every February from 400 to 9999 against the leap-year rule.
-    for (int y = 400; y <= 9999; ++y)
+    for (int y = 400; y <= 9999; ++y) // every February against the leap-year rule
         ASSERT_EQ(DateTime::LastDay(y, 2), RefLeap(y) ? 29 : 28) << y;
-    ExpectDateTimeError([] { DateTime::LastDay(399, 2); }, 0xDD90F63D, "MurvaneException_AutoGen_0xDD90F63D");
-    ExpectDateTimeError([] { DateTime::LastDay(-2, 2); }, 0xDD90F63D, "MurvaneException_AutoGen_0xDD90F63D");
+    ExpectDateTimeError([] { DateTime::LastDay(399, 2); }, kBadDateTime);
+    ExpectDateTimeError([] { DateTime::LastDay(-2, 2); }, kBadDateTime);
 }
 
-//===----------------------------------------------------------------------===//
-// ISO 8601
-//===----------------------------------------------------------------------===//
+//===-- ISO 8601 ----------------------------------------------------------===//
 
 TEST(DateTime, ISO8601WeekAtYearBoundaries)
 {
-    const struct
-    {
-        int y, m, d;
-        int isoYear, isoWeek, isoDay, isoQuarter;
-    } rows[] = {
-        {2004, 12, 31, 2004, 53, 5, 4}, {2005, 1, 1, 2004, 53, 6, 4},  {2005, 1, 2, 2004, 53, 7, 4},
-        {2005, 1, 3, 2005, 1, 1, 1},    {2007, 1, 1, 2007, 1, 1, 1},   {2007, 12, 30, 2007, 52, 7, 4},
-        {2007, 12, 31, 2008, 1, 1, 1},  {2008, 1, 1, 2008, 1, 2, 1},   {2008, 12, 29, 2009, 1, 1, 1},
-        {2009, 12, 31, 2009, 53, 4, 4}, {2010, 1, 3, 2009, 53, 7, 4},  {2010, 1, 4, 2010, 1, 1, 1},
-        {2021, 1, 1, 2020, 53, 5, 4},   {2021, 4, 4, 2021, 13, 7, 1},  {2021, 4, 5, 2021, 14, 1, 2},
-        {2021, 12, 26, 2021, 51, 7, 4}, {2021, 10, 3, 2021, 39, 7, 3}, {2021, 10, 4, 2021, 40, 1, 4},
+    const struct { int y, m, d; int isoYear, isoWeek, isoDay, isoQuarter; } rows[] = {
+        {2004, 12, 31, 2004, 53, 5, 4}, {2005, 1, 2, 2004, 53, 7, 4},  {2005, 1, 3, 2005, 1, 1, 1},
+        {2007, 12, 31, 2008, 1, 1, 1},  {2008, 12, 29, 2009, 1, 1, 1}, {2021, 1, 1, 2020, 53, 5, 4},
+        {2021, 4, 4, 2021, 13, 7, 1},   {2021, 4, 5, 2021, 14, 1, 2},  {2021, 10, 3, 2021, 39, 7, 3},
+        {2021, 10, 4, 2021, 40, 1, 4},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(::testing::Message() << r.y << "-" << r.m << "-" << r.d);
@@ -610,13 +462,10 @@ TEST(DateTime, ISO8601WeekAtYearBoundaries)
         EXPECT_EQ(v.GetISO8601Week(), r.isoWeek);
         EXPECT_EQ(v.GetISO8601DayOfWeek(), r.isoDay);
         EXPECT_EQ(v.GetISO8601Quarter(), r.isoQuarter);
-        EXPECT_EQ(DateTime::FromISO8601Date(r.isoYear, r.isoWeek, r.isoDay), At(r.y, r.m, r.d));
         long y = 0;
         signed char w = 0, wd = 0;
         date::iso8601parts(y, w, wd, date::fromGregorianDate(r.y, r.m, r.d));
-        EXPECT_EQ(y, r.isoYear);
-        EXPECT_EQ(w, r.isoWeek);
-        EXPECT_EQ(wd, r.isoDay);
+        EXPECT_TRUE(y == r.isoYear && w == r.isoWeek && wd == r.isoDay) << y << "-W" << int(w) << "-" << int(wd);
     }
 }
 
@@ -624,17 +473,12 @@ TEST(DateTime, ISO8601PeriodStartsAndEnds)
 {
     EXPECT_EQ(DateTime::ISO8601YearStart(2009), At(2008, 12, 29));
     EXPECT_EQ(DateTime::ISO8601YearEnd(2009), At(2010, 1, 3));
-    EXPECT_EQ(DateTime::ISO8601YearStart(2021), At(2021, 1, 4));
-    EXPECT_EQ(DateTime::ISO8601YearEnd(2020), At(2021, 1, 3));
-    EXPECT_EQ(DateTime::ISO8601QuarterStart(2021, 1), At(2021, 1, 4));
     EXPECT_EQ(DateTime::ISO8601QuarterStart(2021, 2), At(2021, 4, 5));
-    EXPECT_EQ(DateTime::ISO8601QuarterEnd(2021, 1), At(2021, 4, 4));
     EXPECT_EQ(DateTime::ISO8601QuarterEnd(2021, 3), At(2021, 10, 3));
     EXPECT_EQ(DateTime::ISO8601QuarterEnd(2020, 4), At(2021, 1, 3));
     EXPECT_EQ(DateTime::ISO8601QuarterEnd(2020, 9), At(2021, 1, 3)); // any quarter above 4 is the last
     EXPECT_EQ(DateTime::ISO8601WeekStart(2020, 53), At(2020, 12, 28));
     EXPECT_EQ(DateTime::ISO8601WeekEnd(2020, 53), At(2021, 1, 3));
-    EXPECT_EQ(DateTime::ISO8601WeekStart(2021, 1), At(2021, 1, 4));
     // Week and day pass through signed bytes.
     EXPECT_EQ(DateTime::FromISO8601Date(2021, 257, 1), DateTime::FromISO8601Date(2021, 1, 1));
     EXPECT_EQ(DateTime::FromISO8601Date(2021, 1, 8), DateTime::FromISO8601Date(2021, 2, 1));
@@ -663,50 +507,37 @@ TEST(DateTime, FirstAndLastISO8601Weeks)
     EXPECT_EQ(DateTime::FirstISO8601Week(2021, -1), 1);
     EXPECT_EQ(DateTime::LastISO8601Week(2021, 1), 13);
     EXPECT_EQ(DateTime::LastISO8601Week(2021, 3), 39);
-    EXPECT_EQ(DateTime::LastISO8601Week(2021, 4), 52);
-    EXPECT_EQ(DateTime::LastISO8601Week(2020, 4), 53);
     EXPECT_EQ(DateTime::LastISO8601Week(2015, -1), 53);
     EXPECT_EQ(DateTime::LastISO8601Week(-1, -1), 53);
     // A year has 53 weeks when it opens on a Thursday, or on a Wednesday in a leap year.
     for (int y = 400; y <= 9999; ++y) {
         const int jan1 = RefMondayIndex(RefDayNumber(y, 1, 1));
-        const int expected = (jan1 == 3 || (jan1 == 2 && RefLeap(y))) ? 53 : 52;
-        ASSERT_EQ(DateTime::LastISO8601Week(y, 4), expected) << y;
+        ASSERT_EQ(DateTime::LastISO8601Week(y, 4), (jan1 == 3 || (jan1 == 2 && RefLeap(y))) ? 53 : 52) << y;
     }
+    const char* quarterRange = "1 <= isoQuarter && isoQuarter <= 4";
+    ExpectLogicFailure([] { DateTime::FirstISO8601Week(-2, 1); }, 0x8653917E, "isoYear >= 0");
+    ExpectLogicFailure([] { DateTime::FirstISO8601Week(2021, 0); }, 0xF94CDB32, quarterRange);
+    ExpectLogicFailure([] { DateTime::FirstISO8601Week(-1, 5); }, 0xF94CDB32, quarterRange);
+    ExpectLogicFailure([] { DateTime::LastISO8601Week(INT_MIN, 1); }, 0xB6EC166C, "isoYear >= 0");
+    ExpectLogicFailure([] { DateTime::LastISO8601Week(2021, -2); }, 0xDF9BA5C2, quarterRange);
+    ExpectLogicFailure([] { DateTime::LastISO8601Week(-1, INT_MAX); }, 0xDF9BA5C2, quarterRange);
 }
 
-TEST(DateTime, ISO8601WeekArgumentsAreAsserted)
-{
-    ExpectLogicAssert([] { DateTime::FirstISO8601Week(-2, 1); }, 0x8653917E, "isoYear >= 0");
-    ExpectLogicAssert([] { DateTime::FirstISO8601Week(INT_MIN, 1); }, 0x8653917E, "isoYear >= 0");
-    ExpectLogicAssert([] { DateTime::FirstISO8601Week(2021, 0); }, 0xF94CDB32, "1 <= isoQuarter && isoQuarter <= 4");
-    ExpectLogicAssert([] { DateTime::FirstISO8601Week(-1, 5); }, 0xF94CDB32, "1 <= isoQuarter && isoQuarter <= 4");
-    ExpectLogicAssert([] { DateTime::LastISO8601Week(-2, 1); }, 0xB6EC166C, "isoYear >= 0");
-    ExpectLogicAssert([] { DateTime::LastISO8601Week(2021, -2); }, 0xDF9BA5C2, "1 <= isoQuarter && isoQuarter <= 4");
-    ExpectLogicAssert([] { DateTime::LastISO8601Week(-1, INT_MAX); }, 0xDF9BA5C2, "1 <= isoQuarter && isoQuarter <= 4");
-}
-
-//===----------------------------------------------------------------------===//
-// OLE automation dates
-//===----------------------------------------------------------------------===//
+//===-- OLE automation dates ----------------------------------------------===//
 
 TEST(DateTime, OleDatesAreLinearThroughTheEpoch)
 {
-    EXPECT_EQ(At(1899, 12, 30).ToOleDate(), 0.0);
-    EXPECT_EQ(At(1900, 1, 1).ToOleDate(), 2.0);
-    EXPECT_EQ(At(1900, 1, 1, 12).ToOleDate(), 2.5);
-    EXPECT_EQ(At(2021, 3, 4).ToOleDate(), 44259.0);
-    EXPECT_EQ(At(9999, 12, 31).ToOleDate(), 2958465.0);
-    EXPECT_EQ(At(1899, 12, 29).ToOleDate(), -1.0);
-    // Not the published format's -1.5: the mapping stays linear below the epoch.
-    EXPECT_EQ(At(1899, 12, 29, 12).ToOleDate(), -0.5);
-    EXPECT_EQ(At(1899, 12, 28, 18).ToOleDate(), -1.25);
-
-    EXPECT_EQ(DateTime(0.0), At(1899, 12, 30));
+    // Not the published format's -1.5 for 1899-12-29 12:00: the mapping stays linear below the epoch.
+    const struct { DateTime v; double ole; } rows[] = {
+        {At(1899, 12, 30), 0.0},       {At(1900, 1, 1, 12), 2.5},      {At(2021, 3, 4, 6), 44259.25},
+        {At(9999, 12, 31), 2958465.0}, {At(1899, 12, 29), -1.0},        {At(1899, 12, 29, 12), -0.5},
+        {At(1899, 12, 28, 18), -1.25},
+    };
+    for (const auto& r : rows) {
+        EXPECT_EQ(r.v.ToOleDate(), r.ole);
+        EXPECT_EQ(DateTime::FromOleDate(r.ole), r.v) << r.ole;
+    }
     EXPECT_EQ(DateTime(2.5), At(1900, 1, 1, 12));
-    EXPECT_EQ(DateTime(-0.5), At(1899, 12, 29, 12));
-    EXPECT_EQ(DateTime::FromOleDate(44259.25), At(2021, 3, 4, 6));
-    EXPECT_EQ(DateTime::FromOleDate(2958465.0), At(9999, 12, 31));
     // Rounded half up to a tick: half a tick is 1/1728000000 of a day.
     EXPECT_EQ(DateTime(1.0 / 864000000.0 * 0.6).GetRepresentation(), DateTime::s_OLEEpoch + 1);
     EXPECT_EQ(DateTime(1.0 / 864000000.0 * 0.4).GetRepresentation(), DateTime::s_OLEEpoch);
@@ -723,8 +554,7 @@ TEST(DateTime, OleDateFromFixedPrecisionCanDropTheSubSecondTicks)
     EXPECT_EQ(DateTime::OleDateFromFixedPrecision(v, true), 2.0 + 1.0 / 86400.0);
     EXPECT_EQ(DateTime::OleDateFromFixedPrecision(v, false), 2.0 + 1.5 / 86400.0);
     EXPECT_EQ(DateTime::OleDateToFixedPrecision(2.0), Rep(1900, 1, 1));
-    // Round trips to the tick across the valid range.
-    for (int y = 400; y <= 9999; y += 7) {
+    for (int y = 400; y <= 9999; y += 7) { // round trips to the tick across the valid range
         const unsigned long long r = Rep(y, 6, 15, 13, 14, 15, 1617);
         ASSERT_EQ(DateTime::OleDateToFixedPrecision(DateTime::OleDateFromFixedPrecision(r, false)), r) << y;
     }
@@ -732,15 +562,12 @@ TEST(DateTime, OleDateFromFixedPrecisionCanDropTheSubSecondTicks)
 
 TEST(DateTime, HostileOleDatesGiveAnInvalidValue)
 {
-    const double rows[] = {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
-                           -std::numeric_limits<double>::infinity(), 1e20, -1e20, 1e300, -1e300,
-                           std::numeric_limits<double>::max()};
-    for (double x : rows) {
+    for (double x : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+                     -std::numeric_limits<double>::infinity(), 1e20, -1e300, std::numeric_limits<double>::max()}) {
         SCOPED_TRACE(x);
         const DateTime v(x);
         EXPECT_EQ(v.GetRepresentation(), ~0ULL);
-        EXPECT_FALSE(v.IsValid());
-        ExpectDateTimeError([&] { v.Validate(); }, 0xE154043D, "MurvaneException_AutoGen_0xE154043D");
+        ExpectDateTimeError([&] { v.Validate(); }, kInvalid);
     }
     // Large but representable: the tick count wraps below zero, which is invalid too.
     EXPECT_FALSE(DateTime(-1e10).IsValid());
@@ -748,26 +575,16 @@ TEST(DateTime, HostileOleDatesGiveAnInvalidValue)
     EXPECT_FALSE(DateTime(-700000.0).IsValid()); // about the year -17
 }
 
-//===----------------------------------------------------------------------===//
-// Validity
-//===----------------------------------------------------------------------===//
+//===-- Validity and comparison -------------------------------------------===//
 
 TEST(DateTime, ValidityBoundaries)
 {
-    const struct
-    {
-        unsigned long long raw;
-        bool valid;
-    } rows[] = {
-        {DateTime::minGregorianDate, true},
-        {DateTime::minGregorianDate - 1, false},
-        {DateTime::maxGregorianDate, true},
-        {DateTime::maxGregorianDate + 1, false},  // a fraction in the last second of 9999
+    const struct { unsigned long long raw; bool valid; } rows[] = {
+        {DateTime::minGregorianDate, true},  {DateTime::minGregorianDate - 1, false},
+        {DateTime::maxGregorianDate, true},  {DateTime::maxGregorianDate + 1, false}, // a fraction of 9999's last second
         {Rep(9999, 12, 31, 23, 59, 59, 9999), false},
-        {DateTime::s_OLEEpoch, true},
-        {0, false},
-        {~0ULL, false},
-        {1ULL << 63, false},
+        {DateTime::s_OLEEpoch, true},        {0, false},
+        {~0ULL, false},                      {1ULL << 63, false},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.raw);
@@ -776,21 +593,20 @@ TEST(DateTime, ValidityBoundaries)
         if (r.valid)
             EXPECT_NO_THROW(v.Validate());
         else
-            ExpectDateTimeError([&] { v.Validate(); }, 0xE154043D, "MurvaneException_AutoGen_0xE154043D");
+            ExpectDateTimeError([&] { v.Validate(); }, kInvalid);
     }
 }
 
 TEST(DateTime, FractionTruncation)
 {
     EXPECT_FALSE(DateTime::IsFractionTruncated(0.0));
-    EXPECT_FALSE(DateTime::IsFractionTruncated(0.5));
     EXPECT_FALSE(DateTime::IsFractionTruncated(0.1234));
     EXPECT_TRUE(DateTime::IsFractionTruncated(0.12345));
     EXPECT_TRUE(DateTime::IsFractionTruncated(0.99999));
-    for (double bad : {1.0, 1.5, -0.0001, -1.0, std::numeric_limits<double>::quiet_NaN(),
-                       std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()}) {
+    for (double bad : {1.0, -0.0001, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+                       -std::numeric_limits<double>::infinity()}) {
         SCOPED_TRACE(bad);
-        ExpectDateTimeError([&] { DateTime::IsFractionTruncated(bad); }, 0x47EE95FC, "MurvaneException_AutoGen_0x47EE95FC");
+        ExpectDateTimeError([&] { DateTime::IsFractionTruncated(bad); }, kBadFraction);
     }
 }
 
@@ -802,43 +618,34 @@ TEST(DateTime, ComparisonsAreThoseOfTheRepresentation)
     EXPECT_TRUE(older == At(2021, 3, 4) && older <= At(2021, 3, 4) && older >= At(2021, 3, 4));
     DateTime a = older, b = younger;
     swap(a, b);
-    EXPECT_EQ(a, younger);
-    EXPECT_EQ(b, older);
+    EXPECT_TRUE(a == younger && b == older);
 }
 
-//===----------------------------------------------------------------------===//
-// Unix time and the clock
-//===----------------------------------------------------------------------===//
+//===-- Unix time and the clock -------------------------------------------===//
 
 TEST(DateTime, UnixTimeInUTC)
 {
     ScopedTimeZone zone("UTC");
-    EXPECT_EQ(DateTime::FromUnixTime(0, true), DateTime::UnixEpoch);
-    EXPECT_EQ(DateTime::FromUnixTime(1234567890, true), At(2009, 2, 13, 23, 31, 30));
-    EXPECT_EQ(DateTime::FromUnixTime(1234567890, false), At(2009, 2, 13, 23, 31, 30));
-    EXPECT_EQ(DateTime::FromUnixTime(1234567890, 250000, true), At(2009, 2, 13, 23, 31, 30, 2500));
-    EXPECT_EQ(DateTime::FromUnixTime(-1, true), At(1969, 12, 31, 23, 59, 59));
-    EXPECT_EQ(DateTime::FromUnixTime(-11644473600L, true), At(1601, 1, 1));
-    EXPECT_EQ(DateTime::FromUnixTime(253402300799L, true), At(9999, 12, 31, 23, 59, 59));
-
+    const struct { long secs; DateTime v; } rows[] = {
+        {0, DateTime::UnixEpoch},        {-1, At(1969, 12, 31, 23, 59, 59)},
+        {-11644473600L, At(1601, 1, 1)}, {253402300799L, At(9999, 12, 31, 23, 59, 59)},
+    };
+    for (const auto& r : rows) {
+        long secs = 0;
+        EXPECT_EQ(DateTime::FromUnixTime(r.secs, true), r.v) << r.secs;
+        EXPECT_TRUE(r.v.GetAsUnixTime(secs, true));
+        EXPECT_EQ(secs, r.secs);
+    }
     long secs = 0;
-    EXPECT_TRUE(At(2009, 2, 13, 23, 31, 30, 9999).GetAsUnixTime(secs, true));
+    EXPECT_TRUE(At(2009, 2, 13, 23, 31, 30, 9999).GetAsUnixTime(secs, true)); // the ticks drop
     EXPECT_EQ(secs, 1234567890);
-    EXPECT_TRUE(At(1969, 12, 31, 23, 59, 59).GetAsUnixTime(secs, true));
-    EXPECT_EQ(secs, -1);
-
+    EXPECT_EQ(DateTime::FromUnixTime(1234567890, 250000, true), At(2009, 2, 13, 23, 31, 30, 2500));
     EXPECT_EQ(DateTime::FromMillisecondsAfterUnixEpoch(1234567890123LL), At(2009, 2, 13, 23, 31, 30, 1230));
     EXPECT_EQ(DateTime::FromMillisecondsAfterUnixEpoch(-1), At(1969, 12, 31, 23, 59, 59, 9990));
-    (void)DateTime::FromMillisecondsAfterUnixEpoch(LLONG_MAX); // wraps, defined
-    (void)DateTime::FromMillisecondsAfterUnixEpoch(LLONG_MIN);
-}
+    (void)DateTime::FromMillisecondsAfterUnixEpoch(LLONG_MAX), (void)DateTime::FromMillisecondsAfterUnixEpoch(LLONG_MIN);
 
-TEST(DateTime, UnixTimeFailures)
-{
-    ScopedTimeZone zone("UTC");
     // 0001-01-01: the C library converts it, SetDateTime refuses the year.
-    ExpectDateTimeError([] { DateTime::FromUnixTime(-62135596800L, true); }, 0xDD90F63D,
-                        "MurvaneException_AutoGen_0xDD90F63D");
+    ExpectDateTimeError([] { DateTime::FromUnixTime(-62135596800L, true); }, kBadDateTime);
     // Beyond the C library's int year: false, and the value stands.
     DateTime v = At(2001, 2, 3);
     EXPECT_FALSE(v.SetUnixTime(LONG_MAX, true));
@@ -846,14 +653,12 @@ TEST(DateTime, UnixTimeFailures)
     EXPECT_EQ(v, At(2001, 2, 3));
     EXPECT_EQ(DateTime::FromUnixTime(LONG_MAX, true), DateTime());
     // Microseconds that overflow the tick count throw like a bad fraction.
-    ExpectDateTimeError([] { DateTime::FromUnixTime(0, ~0ULL, true); }, 0xDD90F63D,
-                        "MurvaneException_AutoGen_0xDD90F63D");
+    ExpectDateTimeError([] { DateTime::FromUnixTime(0, ~0ULL, true); }, kBadDateTime);
 }
 
 TEST(DateTime, UnixTimeInAFixedZone)
 {
-    // MST7: seven hours behind UTC all year; a POSIX rule, no zone files needed.
-    ScopedTimeZone zone("MST7");
+    ScopedTimeZone zone("MST7"); // seven hours behind UTC all year; a POSIX rule, no zone files needed
     EXPECT_EQ(DateTime::FromUnixTime(0, false), At(1969, 12, 31, 17));
     EXPECT_EQ(DateTime::FromUnixTime(0, true), DateTime::UnixEpoch);
     long secs = 0;
@@ -881,9 +686,7 @@ TEST(DateTime, TheClockReadsNowToWholeMilliseconds)
     EXPECT_LE(total, (25569LL * 86400 + after + 1) * 1000);
 }
 
-//===----------------------------------------------------------------------===//
-// QDateTime
-//===----------------------------------------------------------------------===//
+//===-- QDateTime ---------------------------------------------------------===//
 
 TEST(DateTime, QDateTimeRoundTrips)
 {
@@ -893,20 +696,11 @@ TEST(DateTime, QDateTimeRoundTrips)
     EXPECT_EQ(q.timeSpec(), Qt::UTC);
     EXPECT_EQ(v.ToQDateTime(false).timeSpec(), Qt::LocalTime);
     EXPECT_EQ(v.ToQDate(true), QDate(2021, 3, 4));
-    // Only whole milliseconds come back.
-    EXPECT_EQ(DateTime::FromQDateTime(q), At(2021, 3, 4, 5, 6, 7, 890));
-    EXPECT_EQ(DateTime::FromQDateTime(QDateTime(QDate(2000, 2, 29), QTime(23, 59, 59, 999), Qt::UTC)),
-              At(2000, 2, 29, 23, 59, 59, 9990));
-    // Every 97th day of the valid range survives the trip.
+    EXPECT_EQ(DateTime::FromQDateTime(q), At(2021, 3, 4, 5, 6, 7, 890)); // only whole milliseconds come back
     for (int64_t n = RefDayNumber(400, 1, 1); n <= RefDayNumber(9999, 12, 31); n += 97) {
         const DateTime d = DateTime::FromValue(uint64_t(n) * kDay + 13 * kHour + 1230);
         ASSERT_EQ(DateTime::FromQDateTime(d.ToQDateTime(true)), d) << n;
     }
-}
-
-TEST(DateTime, AnInvalidQDateTimeIsRefused)
-{
-    ExpectDateTimeError([] { DateTime::FromQDateTime(QDateTime()); }, 0xDD90F63D, "MurvaneException_AutoGen_0xDD90F63D");
-    ExpectDateTimeError([] { DateTime::FromQDateTime(QDateTime(QDate(300, 1, 1), QTime(0, 0), Qt::UTC)); }, 0xDD90F63D,
-                        "MurvaneException_AutoGen_0xDD90F63D");
+    ExpectDateTimeError([] { DateTime::FromQDateTime(QDateTime()); }, kBadDateTime);
+    ExpectDateTimeError([] { DateTime::FromQDateTime(QDateTime(QDate(300, 1, 1), QTime(0, 0), Qt::UTC)); }, kBadDateTime);
 }
