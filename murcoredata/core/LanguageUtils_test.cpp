@@ -69,10 +69,6 @@ uint32_t LogicCode(const std::function<void()>& action)
 
 } // namespace
 
-//===--------------------------------------------------------------------===//
-// The built-in tables
-//===--------------------------------------------------------------------===//
-
 TEST(LanguageTables, BuiltInRowCounts)
 {
     EXPECT_EQ(Implementation::BuiltInSupportedLanguageRows().size(), 41u);
@@ -107,10 +103,8 @@ TEST(LanguageTables, DesktopRowsAsWritten)
         EXPECT_EQ(entry.second.Get(LanguageData::FallbackLanguage), u"en_US");
         EXPECT_EQ(entry.second.Get(LanguageData::ExtensionNumber), u"0");
     }
-    struct Row
-    {
-        const char16_t *key, *menu, *sortName, *market;
-    } const rows[] = {
+    struct Row { const char16_t *key, *menu, *sortName, *market; };
+    const Row rows[] = {
         {u"de_DE", u"&Deutsch", u"Deutsch", u"EU"},
         {u"fr_FR", u"&Fran\u00e7ais (France)", u"Fran\u00e7ais (France)", u"EU"},
         {u"ja_JP", u"\u65e5\u672c\u8a9e(&J)", u"z1-Japanese", u"Japan"},
@@ -204,10 +198,6 @@ TEST(LanguageTables, ScriptsByExactKey)
         EXPECT_EQ(LanguageUtils::GetLanguageScript(TString(row.first)), row.second) << TString(row.first).toStdString();
 }
 
-//===--------------------------------------------------------------------===//
-// LanguageData
-//===--------------------------------------------------------------------===//
-
 TEST(LanguageData, TextFormAndValidity)
 {
     const LanguageData row{u"de_DE", u"en_US", u"&Deutsch", u"Deutsch", u"0", u"EU"};
@@ -241,10 +231,6 @@ TEST(LanguageData, LanguageWithoutRegion)
         EXPECT_EQ(LogicCode([&] { (void)broken.GetLanguageWithoutRegion(); }), 0x04F5CEB8u);
 }
 
-//===--------------------------------------------------------------------===//
-// Forms
-//===--------------------------------------------------------------------===//
-
 TEST(LanguageUtils, RemoveScriptAndMarket)
 {
     const std::pair<const char16_t*, const char16_t*> scripts[] = {
@@ -270,18 +256,11 @@ TEST(LanguageUtils, RemoveScriptAndMarket)
 
 TEST(LanguageUtils, ISOAndMarketStrings)
 {
-    struct Row
-    {
-        const char16_t *code, *iso, *market;
-    } const rows[] = {
-        {u"en_US-EU", u"en_US", u"EU"},
-        {u"zh_Hans_CN-China", u"zh_CN", u"China"},
+    struct Row { const char16_t *code, *iso, *market; };
+    const Row rows[] = {
+        {u"en_US-EU", u"en_US", u"EU"}, {u"zh_Hans_CN-China", u"zh_CN", u"China"}, {u"a-b-c", u"a", u"b-c"},
         {u"-US", u"-US", u""}, // a "-" at index 0 separates nothing
-        {u"a-b-c", u"a", u"b-c"},
-        {u"en", u"en", u""},
-        {u"de-", u"de", u""},
-        {u"", u"", u""},
-        {u"--", u"--", u""},
+        {u"en", u"en", u""},   {u"de-", u"de", u""}, {u"", u"", u""}, {u"--", u"--", u""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(TString(row.code).toStdString());
@@ -310,18 +289,10 @@ TEST(LanguageUtils, ShortAliasesAndImperialUnits)
         EXPECT_FALSE(LanguageUtils::UsesImperialDistanceUnits(TString(country)));
 }
 
-//===--------------------------------------------------------------------===//
-// The fallback chains
-//===--------------------------------------------------------------------===//
-
 namespace {
 
 // Per code: GetClosestSupportedLanguageCode, GetClosestSpecialLocaleCode, ...V2.
-struct ChainRow
-{
-    std::u16string code;
-    const char16_t *closest, *special, *v2;
-};
+struct ChainRow { std::u16string code; const char16_t *closest, *special, *v2; };
 
 void ExpectChains(const ChainRow& row)
 {
@@ -400,17 +371,12 @@ TEST(LanguageUtils, HostileCodesFallToTheDefaults)
             const LanguageCode language(code);
             (void)language.GetFullString();
             (void)language.GetCountryName();
-            (void)LanguageUtils::GetLanguageShortAlias(code);
-            (void)LanguageUtils::RemoveMarketStringFromLanguageCode(code);
-            (void)LanguageUtils::GetLCID(code);
             (void)GetCorrectedLangCode(code);
+            (void)LanguageUtils::GetLanguageShortAlias(code);
+            (void)LanguageUtils::GetLCID(code);
         });
     }
 }
-
-//===--------------------------------------------------------------------===//
-// The supported table, completed
-//===--------------------------------------------------------------------===//
 
 TEST(LanguageTableSet, PseudoLanguagesWhenSwitchedOn)
 {
@@ -464,10 +430,6 @@ TEST(LanguageTableSet, RowsThatExtendTheSupportedLanguages)
     EXPECT_EQ(LogicCode([&] { Implementation::LanguageTableSet broken(map, false); }), 0x04F5CEB8u);
 }
 
-//===--------------------------------------------------------------------===//
-// The desktop language map
-//===--------------------------------------------------------------------===//
-
 TEST(LanguageUtils, ResetPseudoAddsAndRemovesTheTestLanguages)
 {
     LanguageMap& live = LanguageUtilsInternal::GetLanguageMap();
@@ -504,10 +466,6 @@ TEST(LanguageUtils, DesktopLanguagesUILanguageFirstThenBySortName)
     EXPECT_EQ(languages[4], u"fr_CA");
 }
 
-//===--------------------------------------------------------------------===//
-// Locale ids
-//===--------------------------------------------------------------------===//
-
 TEST(LanguageUtils, LocaleNamesOfIds)
 {
     ScopedIcuDefault pinned("fr_CA");
@@ -539,12 +497,8 @@ TEST(LanguageUtils, LocaleNamesOfIds)
 TEST(LanguageUtils, LocaleForIdIntoSmallBuffers)
 {
     ScopedIcuDefault pinned("fr_CA");
-    struct Row
-    {
-        lcid id;
-        size_t length;
-        const char* expected;
-    } const rows[] = {
+    struct Row { lcid id; size_t length; const char* expected; };
+    const Row rows[] = {
         {0x0409, 6, "en_US"}, // fits exactly with its terminator
         {0x0409, 5, "root"},  // does not fit: "root" instead
         {0x0409, 3, "ro"},    // "root" cut to fit
@@ -565,17 +519,10 @@ TEST(LanguageUtils, LocaleForIdIntoSmallBuffers)
     LanguageUtilsInternal::GetLocaleForLCID(0x0409, nullptr, 10);
 }
 
-//===--------------------------------------------------------------------===//
-// LanguageCode
-//===--------------------------------------------------------------------===//
-
 TEST(LanguageCode, FromCodes)
 {
-    struct Row
-    {
-        const char16_t *code, *iso, *market;
-        lcid id;
-    } const rows[] = {
+    struct Row { const char16_t *code, *iso, *market; lcid id; };
+    const Row rows[] = {
         {u"de", u"de_DE", u"EU", 0x0407},
         {u"en_AU", u"en_AU", u"US", 0x0C09},     // the market of "en"
         {u"fr_CA", u"fr_CA", u"USCA", 0x0C0C},
@@ -600,11 +547,8 @@ TEST(LanguageCode, FromCodes)
 TEST(LanguageCode, FromIdsKeepsTheId)
 {
     ScopedIcuDefault pinned("de_DE");
-    struct Row
-    {
-        lcid id;
-        const char16_t *iso, *market;
-    } const rows[] = {
+    struct Row { lcid id; const char16_t *iso, *market; };
+    const Row rows[] = {
         {0x0404, u"zh_TW", u"APAC"}, {0x0C09, u"en_AU", u"US"},   {4096, u"ar", u""},
         {1024, u"de_DE", u"EU"},     {2048, u"de_DE", u"EU"},     {0, u"root", u""},
     };
@@ -655,10 +599,6 @@ TEST(LanguageCode, DerivedForms)
     EXPECT_EQ(LanguageCode(TString(u"")).GetShortLanguageCode(), u"");
     EXPECT_EQ(LanguageCode(TString(u"de_DE")).GetMapCode(), MapCode::US);
 }
-
-//===--------------------------------------------------------------------===//
-// Settings
-//===--------------------------------------------------------------------===//
 
 TEST(LanguageSettings, StoredCodesAreReturnedAsStored)
 {
