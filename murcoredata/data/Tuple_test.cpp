@@ -33,9 +33,7 @@ Tuple Of(std::initializer_list<DataValue> values)
 
 } // namespace
 
-//===----------------------------------------------------------------------===//
-// Construction and members
-//===----------------------------------------------------------------------===//
+// --- Construction and members
 
 TEST(Tuple, ConstructorsCopyOrTakeOver)
 {
@@ -93,9 +91,7 @@ TEST(Tuple, SizeEstimate)
     EXPECT_EQ(Tuple(Ints({1})).EstimateTotalSizeInBytes(), 64u);
 }
 
-//===----------------------------------------------------------------------===//
-// Hash
-//===----------------------------------------------------------------------===//
+// --- Hash
 
 // h = a ^ (b + 0x9E3779B9 + (a << 6) + (a >> 2)) over the member hashes a from b = 0xDEADBEEF,
 // folded by hand in Python from the pinned DataValue hashes.
@@ -127,9 +123,7 @@ TEST(Tuple, SetDataValueForgetsTheHash)
     EXPECT_EQ(a, Tuple(Ints({1, 2, 3})));
 }
 
-//===----------------------------------------------------------------------===//
-// Equality and order
-//===----------------------------------------------------------------------===//
+// --- Equality and order
 
 TEST(Tuple, EqualityIsMemberWise)
 {
@@ -175,9 +169,7 @@ TEST(Tuple, TheShorterIsLessThenMemberByMember)
     EXPECT_FALSE(Tuple() < Tuple());
 }
 
-//===----------------------------------------------------------------------===//
-// Visiting and text
-//===----------------------------------------------------------------------===//
+// --- Visiting and text
 
 TEST(Tuple, TheInspectorSeesTheMembersInOrder)
 {
@@ -214,9 +206,7 @@ TEST(Tuple, StreamsAndListsOfTuples)
     EXPECT_THROW((void)(withNull == withNull), LogicException);
 }
 
-//===----------------------------------------------------------------------===//
-// Threads
-//===----------------------------------------------------------------------===//
+// --- Threads
 
 // Threads that hash and compare one shared tuple for the first time all store the same
 // number; the cache is atomic, so the sanitizer build sees no race either.
