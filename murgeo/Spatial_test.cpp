@@ -62,8 +62,9 @@ TEST(MurgeoWkt, BadTextGivesNull)
         for (int j = 0; j < n; ++j)
             text += alphabet[random() % (sizeof alphabet - 1)];
         SpatialPtr s = WktSerialization::Read(text, 3); // must not crash; either answer is fine
-        if (s)
+        if (s) {
             EXPECT_FALSE(s->IsUnknown());
+        }
     }
 }
 
