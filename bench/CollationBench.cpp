@@ -84,17 +84,6 @@ const Collation& EnglishCollation()
     return s_collation;
 }
 
-// ICU's collator for the same locale and attributes ("LEN_RUS": en_US, tertiary).
-struct RawCollator
-{
-    UCollator* handle;
-    RawCollator()
-    {
-        UErrorCode status = U_ZERO_ERROR;
-        handle = ucol_open("en_US", &status);
-    }
-    ~RawCollator() { ucol_close(handle); }
-};
 
 int64_t CompareAll(const Collation& c, const Corpus& corpus)
 {

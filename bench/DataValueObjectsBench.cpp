@@ -58,16 +58,6 @@ const Corpus& GetCorpus()
     return s_corpus;
 }
 
-struct RawCollator
-{
-    UCollator* handle;
-    RawCollator()
-    {
-        UErrorCode status = U_ZERO_ERROR;
-        handle = ucol_open("en_US", &status);
-    }
-    ~RawCollator() { ucol_close(handle); }
-};
 
 void SortValues(std::vector<DataValue>& values)
 {

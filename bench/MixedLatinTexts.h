@@ -2,7 +2,10 @@
 
 // Texts for the comparison benchmarks: 4 to 16 mixed-case Latin letters, a third of them
 // accented. Three texts in four share a two-letter prefix with their neighbours, so that
-// comparisons look past the first letter, as they do in sorted data.
+// comparisons look past the first letter, as they do in sorted data. And the raw ICU
+// collator they are measured against.
+
+#include <unicode/ucol.h>
 
 #include <cstddef>
 #include <random>
@@ -39,3 +42,15 @@ inline MixedLatinTexts MakeMixedLatinTexts(size_t count, std::mt19937& random)
         out.texts.push_back(out.buffer.data() + offset);
     return out;
 }
+
+/// ICU's own collator for "LEN_RUS" (en_US, tertiary), opened and closed by hand.
+struct RawCollator
+{
+    UCollator* handle;
+    RawCollator()
+    {
+        UErrorCode status = U_ZERO_ERROR;
+        handle = ucol_open("en_US", &status);
+    }
+    ~RawCollator() { ucol_close(handle); }
+};
