@@ -9,29 +9,12 @@
 
 namespace {
 
-QString Hex(quint32 value, int width = 8)
-{
-    return QStringLiteral("0x%1").arg(QString::number(value, 16).toUpper().rightJustified(width, QLatin1Char('0')));
-}
-
-// "0x409", "409" (hex when it has hex letters) or "1033".
-bool ParseNumber(const QString& text, quint32& value)
-{
-    bool ok = false;
-    const QString t = text.trimmed();
-    if (t.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
-        value = t.mid(2).toUInt(&ok, 16);
-    else
-        value = t.toUInt(&ok, 10);
-    return ok;
-}
-
 // Prints a failure of the library: its message and the site's code.
 int Failure(const MurvaneException& e)
 {
     std::fflush(stdout);
     const MurvaneError& error = e.GetErrorInfo().GetError();
-    std::fprintf(stderr, "error: %s (%s %s)\n", e.what(), Hex(error.GetCode()).toUtf8().constData(),
+    std::fprintf(stderr, "error: %s (%s %s)\n", e.what(), HexText(error.GetCode()).toUtf8().constData(),
                  error.GetName().toStdString().c_str());
     return 1;
 }
@@ -66,13 +49,13 @@ QString OrNone(const TString& text)
 // What the pool behind a collation says about itself.
 void PrintPool(const Collation& c)
 {
-    PrintLine(QStringLiteral("locale:    %1 (lcid %2)").arg(c.GetLocale().toQString(), Hex(c.GetPool()->GetLCID(), 4)));
+    PrintLine(QStringLiteral("locale:    %1 (lcid %2)").arg(c.GetLocale().toQString(), HexText(c.GetPool()->GetLCID(), 4)));
     PrintLine(QStringLiteral("language:  %1, shown as %2%3")
                   .arg(OrNone(c.GetLanguage()), OrNone(c.GetDisplayLanguage()),
                        c.GetDisplayCountry().isEmpty() ? QString()
                                                        : QStringLiteral(" (%1)").arg(c.GetDisplayCountry().toQString())));
     PrintLine(QStringLiteral("cmpFlags:  %1, %2%3%4")
-                  .arg(Hex(c.GetCmpFlags()))
+                  .arg(HexText(c.GetCmpFlags()))
                   .arg(c.IsCaseSensitive() ? QStringLiteral("case-sensitive") : QStringLiteral("case-insensitive"))
                   .arg(c.HasWordSort() ? QStringLiteral(", word sort") : QString())
                   .arg(c.IsWindowsSpecific() ? QStringLiteral(", Windows-specific") : QString()));
@@ -106,8 +89,8 @@ int RunCompare(const QStringList& args)
         const int sign = r < 0 ? -1 : (r > 0 ? 1 : 0);
         const char* relation = sign < 0 ? "<" : (sign > 0 ? ">" : "=");
         PrintLine(QStringLiteral("compare:   %1 (\"%2\" %3 \"%4\")").arg(sign).arg(texts[0], QLatin1String(relation), texts[1]));
-        PrintLine(QStringLiteral("hash a:    %1").arg(Hex(c.Hash(a.constData()))));
-        PrintLine(QStringLiteral("hash b:    %1").arg(Hex(c.Hash(b.constData()))));
+        PrintLine(QStringLiteral("hash a:    %1").arg(HexText(c.Hash(a.constData()))));
+        PrintLine(QStringLiteral("hash b:    %1").arg(HexText(c.Hash(b.constData()))));
     } catch (const MurvaneException& e) {
         return Failure(e);
     }
@@ -149,7 +132,7 @@ int RunCollator(const QStringList& args)
             ignoreDigits = true;
         else if (a == QLatin1String("--via-lcid"))
             viaLcid = true;
-        else if (a.startsWith(QLatin1String("--flags=")) && ParseNumber(a.mid(8), flags))
+        else if (a.startsWith(QLatin1String("--flags=")) && ParseUnsignedNumber(a.mid(8), flags))
             continue;
         else
             return UsageError("collator", QStringLiteral("unknown option '%1'").arg(a));
@@ -158,7 +141,7 @@ int RunCollator(const QStringList& args)
     try {
         TString name;
         quint32 lcid = 0;
-        if (ParseNumber(args[0], lcid)) {
+        if (ParseUnsignedNumber(args[0], lcid)) {
             // A Windows-model identity: the locale id and comparison flags; id 1 is binary.
             name = lcid == LocaleIds::Binary ? TString(CollationType::s_binary) : MakeCollatorName(lcid, flags, wordSort);
         } else {

@@ -10,11 +10,6 @@
 
 namespace {
 
-QString Hex4(lcid id)
-{
-    return QStringLiteral("0x%1").arg(QString::number(id, 16).toUpper().rightJustified(4, QLatin1Char('0')));
-}
-
 QString OrNone(const TString& text)
 {
     return text.isEmpty() ? QStringLiteral("(none)") : text.toQString();
@@ -77,7 +72,7 @@ int RunLang(const QStringList& args)
         PrintLine(QStringLiteral("iso                     %1").arg(OrNone(language.GetISOString())));
         PrintLine(QStringLiteral("market                  %1").arg(OrNone(language.GetMarketString())));
         PrintLine(QStringLiteral("full                    %1").arg(OrNone(language.GetFullString())));
-        PrintLine(QStringLiteral("lcid                    %1 (%2)").arg(Hex4(language.GetLCID())).arg(language.GetLCID()));
+        PrintLine(QStringLiteral("lcid                    %1 (%2)").arg(HexText(language.GetLCID(), 4)).arg(language.GetLCID()));
         PrintChain(code);
     }
     return 0;

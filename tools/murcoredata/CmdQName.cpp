@@ -30,11 +30,6 @@ QString Quoted(const TString& text)
     return out + QLatin1Char('"');
 }
 
-QString Hex(uint32_t value)
-{
-    return QStringLiteral("0x%1").arg(QString::number(value, 16).toUpper().rightJustified(8, QLatin1Char('0')));
-}
-
 int RunQName(const QStringList& args)
 {
     if (args.size() != 1)
@@ -47,7 +42,7 @@ int RunQName(const QStringList& args)
         for (size_t i = 0; i < n; ++i)
             PrintLine(QStringLiteral("  [%1] %2").arg(qulonglong(i)).arg(Quoted(name.GetComponent(i))));
         PrintLine(QStringLiteral("bracket form: %1").arg(name.GetFullValue().toQString()));
-        PrintLine(QStringLiteral("hash:         %1").arg(Hex(name.Hash())));
+        PrintLine(QStringLiteral("hash:         %1").arg(HexText(name.Hash())));
         if (name.IsEmpty())
             PrintLine(n == 0 ? QStringLiteral("empty:        yes, no components")
                              : QStringLiteral("empty:        yes, one empty component"));
@@ -55,7 +50,7 @@ int RunQName(const QStringList& args)
     } catch (const QualifiedNameException& e) {
         const TError::ErrorInfo& info = e.GetErrorInfo();
         PrintLine(QStringLiteral("parse failed: %1").arg(e.GetMessagesFront().toQString()));
-        PrintLine(QStringLiteral("code:         %1 (%2)").arg(Hex(info.GetError().GetCode()), info.GetError().GetName().toQString()));
+        PrintLine(QStringLiteral("code:         %1 (%2)").arg(HexText(info.GetError().GetCode()), info.GetError().GetName().toQString()));
         PrintLine(QStringLiteral("source:       %1, status %2").arg(int(info.GetSource())).arg(int(info.GetStatusCode())));
         return 1;
     }

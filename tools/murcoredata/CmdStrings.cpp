@@ -10,21 +10,11 @@ namespace {
 // Reads "0x92B2281F", "92B2281F" or a decimal number; false when it is none.
 bool ParseId(const QString& text, quint32& value)
 {
+    if (ParseUnsignedNumber(text, value))
+        return true;
     bool ok = false;
-    const QString t = text.trimmed();
-    if (t.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
-        value = t.mid(2).toUInt(&ok, 16);
-    else {
-        value = t.toUInt(&ok, 10);
-        if (!ok)
-            value = t.toUInt(&ok, 16);
-    }
+    value = text.trimmed().toUInt(&ok, 16);
     return ok;
-}
-
-QString Hex8(quint32 value)
-{
-    return QString::number(value, 16).toUpper().rightJustified(8, QLatin1Char('0'));
 }
 
 // The one numeric argument of a command; returns 0 on success, else the usage exit code.
@@ -45,11 +35,11 @@ int RunString(const QStringList& args)
     const auto sid = CoreData::StringId(qint32(id));
     const TString key = CoreData::LookupStringKey(sid);
     if (key.isEmpty()) {
-        PrintLine(QStringLiteral("0x%1: no such string (the look-up gives the empty text)")
-                      .arg(Hex8(id)));
+        PrintLine(QStringLiteral("%1: no such string (the look-up gives the empty text)")
+                      .arg(HexText(id)));
         return 1;
     }
-    PrintLine(QStringLiteral("id:      0x%1 (%2)").arg(Hex8(id)).arg(qint32(id)));
+    PrintLine(QStringLiteral("id:      %1 (%2)").arg(HexText(id)).arg(qint32(id)));
     PrintLine(QStringLiteral("key:     %1").arg(key.toQString()));
     PrintLine(QStringLiteral("english: \"%1\"").arg(CoreData::LookupTStr(sid).toQString()));
     return 0;
@@ -62,11 +52,11 @@ int RunError(const QStringList& args)
         return rc;
     const MurErrorsError::Entry* e = MurErrorsError::FindByCode(code);
     if (e == nullptr) {
-        PrintLine(QStringLiteral("0x%1: no failure site has this code")
-                      .arg(Hex8(code)));
+        PrintLine(QStringLiteral("%1: no failure site has this code")
+                      .arg(HexText(code)));
         return 1;
     }
-    PrintLine(QStringLiteral("code: 0x%1").arg(Hex8(e->code)));
+    PrintLine(QStringLiteral("code: %1").arg(HexText(e->code)));
     PrintLine(QStringLiteral("name: %1").arg(QString::fromLatin1(e->name)));
     return 0;
 }

@@ -376,11 +376,6 @@ private:
 // Printing
 //===----------------------------------------------------------------------===//
 
-QString Hex32(uint32_t n)
-{
-    return QStringLiteral("0x") + QString::number(n, 16).toUpper().rightJustified(8, QLatin1Char('0'));
-}
-
 QString TypeName(DataType type)
 {
     return QStringLiteral("%1 (%2)")
@@ -476,7 +471,7 @@ void Print(const DataValue& value, const QString& indent = QString())
     }
 
     PrintBytes(value, indent);
-    PrintLine(indent + QStringLiteral("hash:    %1").arg(Hex32(value.Hash())));
+    PrintLine(indent + QStringLiteral("hash:    %1").arg(HexText(value.Hash())));
 
     if (value.GetType() == DataType::Tuple && value.GetSpecial() == Special::None) {
         const RefCntPtr<Tuple> tuple = value.GetTuple();

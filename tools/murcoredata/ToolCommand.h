@@ -21,6 +21,10 @@ bool RegisterToolCommand(const ToolCommand& command);
 
 // Prints UTF-8 text and a line break to standard output.
 void PrintLine(const QString& text);
+// "0x" and `value` in upper-case hexadecimal, zero-filled to `width` digits.
+QString HexText(quint64 value, int width = 8);
+// Reads "0x..." as hexadecimal and anything else as decimal; false when it is neither.
+bool ParseUnsignedNumber(const QString& text, quint32& value);
 // Prints a usage error for the command to standard error; returns 2.
 int UsageError(const char* commandName, const QString& message);
 

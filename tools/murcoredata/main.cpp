@@ -43,6 +43,22 @@ void PrintLine(const QString& text)
     std::fputc('\n', stdout);
 }
 
+QString HexText(quint64 value, int width)
+{
+    return QStringLiteral("0x") + QString::number(value, 16).toUpper().rightJustified(width, QLatin1Char('0'));
+}
+
+bool ParseUnsignedNumber(const QString& text, quint32& value)
+{
+    bool ok = false;
+    const QString t = text.trimmed();
+    if (t.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
+        value = t.mid(2).toUInt(&ok, 16);
+    else
+        value = t.toUInt(&ok, 10);
+    return ok;
+}
+
 int UsageError(const char* commandName, const QString& message)
 {
     for (const ToolCommand& c : Commands())
