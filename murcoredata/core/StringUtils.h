@@ -98,7 +98,7 @@ MURCOREDATA_EXPORT void DeleteBetween(TString& text, const TString& open, const 
 /// THash32 of the UTF-16 bytes with the seed 0xDEADBEEF (the same as `std::hash<TString>`).
 inline uint32_t StringHash(const TString& text)
 {
-    return THash32(text.constData(), size_t(text.lengthInBytes()), 0xDEADBEEFu);
+    return uint32_t(std::hash<TString>()(text));
 }
 
 /// THash128 of the UTF-16 bytes with the seeds 0xDEADBEEF and 0xCAFEBABE.
